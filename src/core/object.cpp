@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "core/object.h"
 
+#include <cstdlib>
 #include <new>
 
 object& object::operator=(const object& other) {
@@ -22,3 +23,5 @@ void* object::operator new(std::size_t size) {
     if (!memory) throw std::bad_alloc();
     return memory;
 }
+
+void object::operator delete(void* memory) { std::free(memory); }

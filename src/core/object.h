@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdlib>
 #include <type_traits>
 
 /// What every shared object offers: a count of its owners.
@@ -54,7 +53,7 @@ class object : public Irefcountable {
     /// Memory comes zero-filled and is returned with `free`. A failed allocation throws
     /// `std::bad_alloc`.
     static void* operator new(std::size_t size);
-    static void operator delete(void* memory) { std::free(memory); }
+    static void operator delete(void* memory);
 
   private:
     int references_ = 0;

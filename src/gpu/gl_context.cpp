@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include "gpu/gl_context.h"
+
+#include "gpu/gl_bindings.h"
+
+#include <GL/glew.h>
+#include <GL/glu.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+constexpr int largest_texture_used = 8192;
+
+bool require(bool present, const char* name, const char* why) {
+    if (present) return true;
+    std::fprintf(stderr, "OpenGL extension '%s' is not present.\n", name);
+    std::fputs(why, stderr);
+    std::fputs("Check if OpenGL is configured properly.\n", stderr);
+    return false;
+}
+
+const char* gl_text(GLenum what) {
+    const auto* text = reinterpret_cast<const char*>(glGetString(what));
+    return text ? text : "";
+}
+
+}  // namespace
+
+bool load_gl() {
+    const GLenum error = glewInit();
+    if (error != GLEW_OK) {
+        std::fprintf(stderr, "GLEW: %s\n", reinterpret_cast<const char*>(glewGetErrorString(error)));
+        return false;
+    }
+    std::printf("OPENGL VENDOR = %s\n", gl_text(GL_VENDOR));
+    std::printf("OPENGL RENDERER = %s\n", gl_text(GL_RENDERER));
+    std::printf("OPENGL VERSION = %s\n", gl_text(GL_VERSION));
+    return require(GLEW_ARB_fragment_program, "ARB_fragment_program",
+                   "Fragment shader support is required to run VYXVideoPlayer!\n") &&
+           require(GLEW_ARB_texture_rectangle, "ARB_texture_rectangle",
+                   "This extension is required to run VYXVideoPlayer!\n");
+}
+
+void init_gl_state() {
+    glDisable(GL_DEPTH_TEST);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    const GLenum target = GLEW_EXT_texture_rectangle ? GL_TEXTURE_RECTANGLE_ARB : GL_TEXTURE_2D;
+    glTexParameteri(target, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(target, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &max_texture_size);
+    max_texture_size = std::min(max_texture_size, largest_texture_used);
+    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+}
+
+void reshape_gl(int width, int height) {
+    glViewport(0, 0, width, height);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    gluOrtho2D(0, width, height, 0);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    make_framebuffers();
+}
+
+bool has_pixel_buffers() { return GLEW_EXT_pixel_buffer_object || GLEW_ARB_pixel_buffer_object; }
+
+void present_window(bool finish) {
+    glDisable(GL_BLEND);
+    glDisable(GL_LINE_SMOOTH);
+    if (finish) glFinish();
+    SDL_GL_SwapBuffers();
+}

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/// Loads the entry points of the current context and prints who made it. Returns false, with the
+/// reason on standard error, when that fails or a required extension is missing. [main]
+bool load_gl();
+
+/// Fixed state of the context: blending, wrapping, fill mode, and the largest texture. [main]
+void init_gl_state();
+
+/// Viewport and projection for a window of `width` x `height` pixels, origin at the top left, and new
+/// framebuffer objects. [main]
+void reshape_gl(int width, int height);
+
+/// Whether pictures can travel through pixel-buffer objects.
+bool has_pixel_buffers();
+
+/// Shows what was drawn. With `finish`, waits until the driver has done its work first. [main]
+void present_window(bool finish);

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "gpu/gl_texture.h"
+#include "gpu/video_picture.h"
+
+#include <cstdint>
+
+/// Where the display gets what only the player knows. [main]
+class PictureSource {
+  public:
+    virtual ~PictureSource() = default;
+
+    /// Writes the picture into memory: with `yuv` as planes packed for shader_YUV420p_to_RGB
+    /// (3/2 x height rows of row_bytes / 3 bytes), else as 24-bit RGB rows of `row_bytes` bytes.
+    virtual void fill_picture(const VideoPicture& pic, std::uint8_t* destination, int row_bytes,
+                              bool yuv) = 0;
+
+    /// The clocks in seconds, for the post-processing hook.
+    virtual double video_clock() = 0;
+    virtual double master_clock() = 0;
+};
+
+/// Makes the pixel-unpack buffer of a slot of `width` x `height`; deletes it. [main]
+void make_pixel_buffer(VideoPicture& pic);
+void delete_pixel_buffer(VideoPicture& pic);
+
+/// Fills the slot's pixel buffer from the source. The slot counts as filled also when the buffer could
+/// not be mapped. [main]
+void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, bool yuv);
+
+/// What an upload works with besides the picture.
+struct UploadOptions {
+    bool gpu_conversion;                       ///< the pixel buffer holds packed YUV
+    bool pixel_buffers;                        ///< pictures travel through pixel buffers
+    int factor;                                ///< size of the enhanced texture over the picture's
+    object_ref<gl_texture_resource>& staging;  ///< packed YUV on its way to RGB
+};
+
+/// Brings the picture and its vectors into its textures, brightness and contrast applied, and marks
+/// it uploaded. [main]
+void upload_picture(VideoPicture& pic, const UploadOptions& options);

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include "gpu/video_display.h"
+
+#include "core/settings.h"
+#include "gpu/display_effects.h"
+#include "gpu/display_geometry.h"
+#include "gpu/enhancement_chain.h"
+#include "gpu/gl_bindings.h"
+#include "gpu/video_overlays.h"
+
+namespace {
+
+constexpr float background = 0.02F;
+
+VideoPicture& slot(const DisplayView& view, int index) {
+    return view.slots[index % picture_slots];
+}
+
+// Whether pictures of this film are converted on the GPU, at this moment.
+bool wants_gpu_conversion(const DisplayView& view) {
+    return view.yuv_direct && master_settings.upscaling_algorithm.toInt() == 0 &&
+           master_settings.offload_decoding.toBool();
+}
+
+void fill_pixel_buffers(const DisplayView& view) {
+    if (!view.pixel_buffers) return;
+    const bool yuv = wants_gpu_conversion(view);
+    if (yuv != view.gpu_conversion) {
+        for (int i = 0; i < picture_slots; ++i) view.slots[i].buffer_filled = false;
+        view.gpu_conversion = yuv;
+    }
+    // Only slots that are queued: the video thread may be writing any other.
+    for (int i = 0; i < view.queued; ++i) {
+        VideoPicture& pic = slot(view, view.read_index + i);
+        if (pic.ready && pic.pbo && !pic.buffer_filled) fill_pixel_buffer(pic, view.source, yuv);
+    }
+}
+
+bool refreshes(const DisplayView& view) {
+    return !view.paused || view.step || view.rewind || view.fast_forward;
+}
+
+void begin_picture(const VideoPicture& pic, const SDL_Rect& r) {
+    glPushMatrix();
+    glTranslatef(r.x, r.y, 0);
+    glScalef(static_cast<float>(r.w) / static_cast<float>(pic.width),
+             static_cast<float>(r.h) / static_cast<float>(pic.height), 1);
+}
+
+void draw_textured_quad(const VideoPicture& pic, const gl_texture_resource& tex) {
+    const bool texels = tex.target() != GL_TEXTURE_2D;
+    const float s = texels ? static_cast<float>(tex.width()) : 1.0F;
+    const float t = texels ? static_cast<float>(tex.height()) : 1.0F;
+    glColor4f(1, 1, 1, 1);
+    glBegin(GL_QUADS);
+    glTexCoord2f(0, 0);
+    glVertex2i(0, 0);
+    glTexCoord2f(s, 0);
+    glVertex2i(pic.width, 0);
+    glTexCoord2f(s, t);
+    glVertex2i(pic.width, pic.height);
+    glTexCoord2f(0, t);
+    glVertex2i(0, pic.height);
+    glEnd();
+}
+
+void draw_shown(const DisplayView& view, const VideoPicture& pic, const SDL_Rect& r) {
+    gl_texture_resource* tex = view.shown;
+    if (!tex) return;
+    glEnable(tex->target());
+    glBindTexture(tex->target(), tex->name());
+    glTexParameteri(tex->target(), GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexParameteri(tex->target(), GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    if (view.rewind || view.fast_forward) {
+        begin_seeking_effect(r.h, view.screen_height, static_cast<float>(SDL_GetTicks()) * 0.001F);
+    }
+    draw_textured_quad(pic, *tex);
+    glUseProgram(0);
+    glBindTexture(tex->target(), 0);
+    glDisable(tex->target());
+}
+
+// The picture to draw: the one at the read index once it is there, else the last one.
+VideoPicture* current_picture(const DisplayView& view) {
+    if (view.queued > 0 && refreshes(view) && slot(view, view.read_index).ready) {
+        return &slot(view, view.read_index);
+    }
+    return view.shown_index >= 0 ? &slot(view, view.shown_index) : nullptr;
+}
+
+}  // namespace
+
+void clear_window(int width, int height) {
+    bind_window(width, height);
+    glDisable(GL_TEXTURE_2D);
+    glDisable(GL_BLEND);
+    glClearColor(background, background, background, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+bool display_picture(const DisplayView& view) {
+    fill_pixel_buffers(view);
+    VideoPicture* pic = current_picture(view);
+    if (!pic || pic->width <= 0 || pic->height <= 0) {
+        clear_window(view.screen_width, view.screen_height);
+        return false;
+    }
+    const EnhancementFactors factors = enhancement_factors(pic->width, pic->height);
+    const int index = static_cast<int>(pic - view.slots);
+    if (view.queued > 0 && index == view.read_index && refreshes(view)) {
+        VideoPicture& prev = slot(view, view.read_index + picture_slots - 1);
+        prepare_picture(view, *pic, prev, factors);
+        view.shown_index = index;
+    }
+    SDL_Rect r = destination_rectangle(master_settings.spatial_zoom.toInt(), pic->height,
+                                       display_aspect(pic->width, pic->height, pic->sample_aspect),
+                                       factors.spatial, view.screen_width, view.screen_height);
+    video_scaling_animation(r);
+    clear_window(view.screen_width, view.screen_height);
+    begin_picture(*pic, r);
+    draw_shown(view, *pic, r);
+    if (view.show_motion_vectors) draw_motion_vectors(*pic);
+    if (view.show_quantization) draw_quantization(*pic);
+    glPopMatrix();
+    return true;
+}

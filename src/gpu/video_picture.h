@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/grid.h"
+#include "core/object.h"
+#include "gpu/gl_texture.h"
+
+#include <SDL.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+/// How far a block moved, in whole pixels of the picture.
+struct MotionVector {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+};
+
+/// A decoded picture as planes. Only the player looks inside.
+struct DecodedFrame {
+    virtual ~DecodedFrame() = default;
+};
+
+struct SurfaceDeleter {
+    void operator()(SDL_Surface* surface) const { SDL_FreeSurface(surface); }
+};
+
+/// One slot of the picture queue.
+///
+/// The video thread writes a slot while it is neither queued nor on screen; the main thread reads it
+/// while it is. GL objects are made and deleted on the main thread.
+struct VideoPicture {
+    /// 24-bit RGB pixels, without pixel-buffer objects.
+    std::unique_ptr<SDL_Surface, SurfaceDeleter> surface;
+    /// The decoder's planes, with pixel-buffer objects.
+    std::unique_ptr<DecodedFrame> frame;
+    /// Size of the picture in pixels, for which the slot was allocated.
+    int width = 0;
+    int height = 0;
+    /// The slot has storage for width x height. Guarded by the picture queue's mutex.
+    int allocated = 0;
+    /// Presentation time in seconds.
+    double pts = 0.0;
+    /// Width of a pixel over its height; 0 when the stream does not say.
+    double sample_aspect = 0.0;
+
+    /// Pixels in a cell of the two grids below.
+    int block_width = 0;
+    int block_height = 0;
+    /// Cells in a row and in a column.
+    int grid_width = 0;
+    int grid_height = 0;
+    /// A vector per cell, grid_height + 1 rows of grid_width + 1; empty when the stream has none.
+    Grid<MotionVector> motion_vectors;
+    /// A quantiser per cell, grid_height rows of grid_width, 0 to 127.
+    Grid<std::uint8_t> quantization_table;
+
+    /// The picture at its own size, 8 bits.
+    object_ref<gl_texture_resource> rgb;
+    /// The picture after the spatial enhancement, at the enhanced size.
+    object_ref<gl_texture_resource> enhanced;
+    /// The vectors, a texel per cell: the cell's own and those of the next cell below on the right.
+    object_ref<gl_texture_resource> motion;
+
+    /// Pixel-unpack buffer of width x 3 x height bytes, 0 for none.
+    GLuint pbo = 0;
+
+    /// The slot holds a complete picture.
+    std::atomic<bool> ready{false};
+    /// `rgb` holds this picture.
+    bool uploaded = false;
+    /// `enhanced` holds this picture.
+    bool is_enhanced = false;
+    /// `pbo` holds this picture.
+    bool buffer_filled = false;
+    /// Brightness and contrast are applied already.
+    bool converted = false;
+
+    /// Forgets what the display made of the last picture in this slot.
+    void clear_flags() { uploaded = is_enhanced = buffer_filled = converted = false; }
+
+    /// The texture to show or to interpolate: the enhanced one once there is one.
+    gl_texture_resource* source() const { return is_enhanced ? enhanced : rgb; }
+};
+
+/// Slots of the picture queue. One of them stays with the picture on screen.
+inline constexpr int picture_slots = 4;

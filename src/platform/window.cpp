@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "platform/window.h"
+
+#include "platform/swap_interval.h"
+
+#include <cstdio>
+
+SDL_Surface* screen = nullptr;
+
+namespace {
+
+bool bFullScreen = false;
+int iVSync = 0;
+ReshapeHandler reshape_handler = nullptr;
+
+constexpr Uint16 window_width = 800;
+constexpr Uint16 window_height = 600;
+
+SDL_Rect fullscreen_size() {
+    SDL_Rect** modes = SDL_ListModes(nullptr, SDL_FULLSCREEN | SDL_HWSURFACE);
+    // All ones means that any size will do.
+    const bool any = modes == reinterpret_cast<SDL_Rect**>(-1);
+    if (!modes || any) {
+        if (!modes) std::fputs("No fullscreen display modes available!\n", stderr);
+        return {0, 0, window_width, window_height};
+    }
+    return largest_mode(modes);
+}
+
+}  // namespace
+
+void set_reshape_handler(ReshapeHandler handler) { reshape_handler = handler; }
+
+bool set_video_mode(int width, int height, Uint32 flags) {
+    SDL_Surface* surface = SDL_SetVideoMode(width, height, 0, SDL_OPENGL | SDL_RESIZABLE | flags);
+    if (surface) screen = surface;
+    return surface != nullptr;
+}
+
+bool get_fullscreen() { return bFullScreen; }
+
+SDL_Rect largest_mode(SDL_Rect* const* modes) {
+    SDL_Rect best{0, 0, window_width, window_height};
+    for (; *modes; ++modes) {
+        const SDL_Rect& mode = **modes;
+        if (int(mode.w) * mode.h > int(best.w) * best.h) best = {0, 0, mode.w, mode.h};
+    }
+    return best;
+}
+
+bool set_fullscreen(int on) {
+    bFullScreen = on != 0;
+    const SDL_Rect size = on ? fullscreen_size() : SDL_Rect{0, 0, window_width, window_height};
+    if (!set_video_mode(size.w, size.h, on ? SDL_FULLSCREEN : 0)) {
+        std::fputs("SDL: could not set video mode\n", stderr);
+        return false;
+    }
+    if (reshape_handler) reshape_handler(size.w, size.h);
+    return true;
+}
+
+void set_vsync(int interval) {
+    iVSync = interval;
+    set_swap_interval(interval);
+}
+
+int get_vsync() { return iVSync; }
+
+int get_display_refresh_rate() { return 60; }
+
+void show_taskbar(bool /*visible*/) {}
+void set_visible(bool /*visible*/) {}
+void set_focus(bool /*focused*/) {}
+void load_icon() {}
