@@ -107,7 +107,7 @@ void postprocessing_filter(const DisplayView& view, VideoPicture& pic,
 void prepare_picture(const DisplayView& view, VideoPicture& cur, VideoPicture& prev,
                      const EnhancementFactors& factors) {
     if (!cur.uploaded) {
-        upload_picture(cur, {view.gpu_conversion, view.pixel_buffers, factors.spatial, view.staging});
+        upload_picture(cur, {view.pixel_buffers, factors.spatial, view.staging});
     }
     const int algorithm = master_settings.upscaling_algorithm.toInt();
     if (factors.spatial > 1 || algorithm > 0 || view.hook) enhance(view, cur, prev, factors);

@@ -102,6 +102,7 @@ void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, bool yuv) {
     }
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
     pic.buffer_filled = true;
+    pic.buffer_is_yuv = yuv;
 }
 
 void upload_picture(VideoPicture& pic, const UploadOptions& options) {
@@ -109,7 +110,7 @@ void upload_picture(VideoPicture& pic, const UploadOptions& options) {
     replaced |= alloc_texture(pic.enhanced, pic.height * options.factor, pic.width * options.factor, 0);
     if (replaced) pic.converted = pic.is_enhanced = false;
     upload_motion_vectors(pic);
-    if (pic.buffer_filled && options.gpu_conversion) {
+    if (pic.buffer_filled && pic.buffer_is_yuv) {
         upload_yuv(pic, options.staging);
     } else {
         if (pic.buffer_filled) {

@@ -31,7 +31,6 @@ void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, bool yuv);
 
 /// What an upload works with besides the picture.
 struct UploadOptions {
-    bool gpu_conversion;                       ///< the pixel buffer holds packed YUV
     bool pixel_buffers;                        ///< pictures travel through pixel buffers
     int factor;                                ///< size of the enhanced texture over the picture's
     object_ref<gl_texture_resource>& staging;  ///< packed YUV on its way to RGB

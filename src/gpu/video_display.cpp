@@ -16,23 +16,17 @@ VideoPicture& slot(const DisplayView& view, int index) {
     return view.slots[index % picture_slots];
 }
 
-// Whether pictures of this film are converted on the GPU, at this moment.
-bool wants_gpu_conversion(const DisplayView& view) {
-    return view.yuv_direct && master_settings.upscaling_algorithm.toInt() == 0 &&
-           master_settings.offload_decoding.toBool();
-}
-
+// Brings every queued picture into its buffer, in the form that its conversion needs now. Slots that
+// are not queued are left alone: the video thread may be writing them.
 void fill_pixel_buffers(const DisplayView& view) {
     if (!view.pixel_buffers) return;
-    const bool yuv = wants_gpu_conversion(view);
-    if (yuv != view.gpu_conversion) {
-        for (int i = 0; i < picture_slots; ++i) view.slots[i].buffer_filled = false;
-        view.gpu_conversion = yuv;
-    }
-    // Only slots that are queued: the video thread may be writing any other.
+    const bool on_gpu = master_settings.upscaling_algorithm.toInt() == 0 &&
+                        master_settings.offload_decoding.toBool();
     for (int i = 0; i < view.queued; ++i) {
         VideoPicture& pic = slot(view, view.read_index + i);
-        if (pic.ready && pic.pbo && !pic.buffer_filled) fill_pixel_buffer(pic, view.source, yuv);
+        const bool yuv = pic.yuv_direct && on_gpu;
+        if (!pic.ready || !pic.pbo || pic.uploaded) continue;
+        if (!pic.buffer_filled || pic.buffer_is_yuv != yuv) fill_pixel_buffer(pic, view.source, yuv);
     }
 }
 

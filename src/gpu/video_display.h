@@ -25,9 +25,7 @@ struct DisplayView {
     /// Asks for one refresh of a paused picture, without interpolation. Cleared when it is done.
     bool& step;
 
-    bool pixel_buffers;      ///< pictures travel through pixel-buffer objects
-    bool yuv_direct;         ///< the film's pictures can be converted on the GPU
-    bool& gpu_conversion;    ///< whether they were at the last redraw. Written by the display.
+    bool pixel_buffers;  ///< pictures travel through pixel-buffer objects
     bool show_motion_vectors;
     bool show_quantization;
 

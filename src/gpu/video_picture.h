@@ -65,6 +65,10 @@ struct VideoPicture {
 
     /// Pixel-unpack buffer of width x 3 x height bytes, 0 for none.
     GLuint pbo = 0;
+    /// The picture can be converted on the GPU: planar YUV 4:2:0 of even width and height.
+    bool yuv_direct = false;
+    /// `pbo` holds it packed for that, not as RGB.
+    bool buffer_is_yuv = false;
 
     /// The slot holds a complete picture.
     std::atomic<bool> ready{false};

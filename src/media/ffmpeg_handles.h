@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+// Owners of the codec library's objects. Raw frees of these appear nowhere else.
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/dict.h>
+#include <libavutil/frame.h>
+#include <libswscale/swscale.h>
+}
+
+#include <memory>
+
+struct FrameDeleter {
+    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+};
+struct PacketDeleter {
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+};
+struct CodecContextDeleter {
+    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+};
+struct FormatInputDeleter {
+    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
+};
+struct ScalerDeleter {
+    void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
+};
+
+using FramePtr = std::unique_ptr<AVFrame, FrameDeleter>;
+using PacketPtr = std::unique_ptr<AVPacket, PacketDeleter>;
+using CodecContextPtr = std::unique_ptr<AVCodecContext, CodecContextDeleter>;
+/// An opened (or allocated) input.
+using FormatInputPtr = std::unique_ptr<AVFormatContext, FormatInputDeleter>;
+using ScalerPtr = std::unique_ptr<SwsContext, ScalerDeleter>;
+
+/// Options handed to the library by name.
+class Dictionary {
+  public:
+    Dictionary() = default;
+    ~Dictionary() { av_dict_free(&entries_); }
+    Dictionary(const Dictionary&) = delete;
+    Dictionary& operator=(const Dictionary&) = delete;
+
+    void set(const char* key, const char* value) { av_dict_set(&entries_, key, value, 0); }
+    /// For calls that take the dictionary and leave what they did not use.
+    AVDictionary** ref() { return &entries_; }
+    /// The value under `key`, null when there is none.
+    const char* get(const char* key) const {
+        const AVDictionaryEntry* entry = av_dict_get(entries_, key, nullptr, 0);
+        return entry ? entry->value : nullptr;
+    }
+
+  private:
+    AVDictionary* entries_ = nullptr;
+};

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#include "player/clocks.h"
+
+extern "C" {
+#include <libavutil/mathematics.h>
+#include <libavutil/time.h>
+}
+
+namespace {
+
+std::atomic<std::int64_t (*)()> replaced_clock{nullptr};
+
+// Seconds from `since` to now.
+double elapsed(std::int64_t since) {
+    return static_cast<double>(wall_clock() - since) / 1000000.0;
+}
+
+}  // namespace
+
+std::int64_t wall_clock() {
+    auto* clock = replaced_clock.load(std::memory_order_relaxed);
+    return clock ? clock() : av_gettime();
+}
+
+void set_wall_clock(std::int64_t (*clock)()) { replaced_clock = clock; }
+
+double get_audio_clock(const VideoState* is) {
+    if (is->paused) return is->audio_clock;
+    return is->audio_clock + elapsed(is->audio_clock_time);
+}
+
+double get_video_clock(const VideoState* is) {
+    if (is->paused) return is->video_current_pts;
+    return is->video_current_pts + elapsed(is->video_current_pts_time);
+}
+
+double get_external_clock(const VideoState* is) {
+    return is->external_clock +
+           static_cast<double>(wall_clock() - is->external_clock_time) * 0.000001;
+}
+
+double get_master_clock(const VideoState* is) {
+    const bool has_video = is->video_stream_index >= 0;
+    const bool has_audio = is->audio_stream_index >= 0;
+    switch (is->sync_source) {
+        case sync_video: return has_video ? get_video_clock(is) : get_audio_clock(is);
+        case sync_audio: return has_audio ? get_audio_clock(is) : get_video_clock(is);
+        default: return get_external_clock(is);
+    }
+}
+
+double synchronize_video(VideoState* is, int repeat_pict, double frame_delay, double pts) {
+    double clock = is->video_clock;
+    if (pts == 0.0) {  // NOLINT: exactly 0 stands for "not known"
+        pts = clock;
+    } else {
+        clock = pts;
+    }
+    is->video_clock = clock + frame_delay + repeat_pict * frame_delay * 0.5;
+    return pts;
+}
+
+double timestamp_seconds(std::int64_t timestamp, AVRational time_base) {
+    if (timestamp == AV_NOPTS_VALUE || time_base.den == 0) return 0.0;
+    return static_cast<double>(timestamp) * av_q2d(time_base);
+}
+
+std::int64_t timestamp_microseconds(std::int64_t timestamp, AVRational time_base) {
+    if (timestamp == AV_NOPTS_VALUE || time_base.den == 0) return 0;
+    return av_rescale_q(timestamp, time_base, AV_TIME_BASE_Q);
+}

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "player/video_state.h"
+
+/// Redraw the window, each ending with the buffer swap. [main]
+
+/// The current picture of the film.
+void video_display(VideoState* is);
+/// What is shown while only sound plays.
+void audio_display(VideoState* is);
+/// What is shown while nothing is open.
+void video_nosignal_display();
+
+/// What lies over the picture, and the bookkeeping of shown pictures. `is` may be null.
+void hud_display(VideoState* is);
+/// The interface, then the buffer swap.
+void gui_display();
+
+/// Called with the wall time in microseconds after each buffer swap; null for nobody. For
+/// measurements. [main]
+using SwapObserver = void (*)(VideoState* is, std::int64_t now);
+void set_swap_observer(SwapObserver observer);

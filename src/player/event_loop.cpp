@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "player/event_loop.h"
+
+#include "platform/window.h"
+#include "player/infolabel.h"
+#include "player/key_commands.h"
+#include "player/picture_queue.h"
+#include "player/play_video.h"
+#include "player/refresh_timer.h"
+#include "player/stream.h"
+#include "player/video_refresh.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr Uint32 double_click_ms = 250;
+
+void mouse_down(const SDL_MouseButtonEvent& button) {
+    if (button.button == SDL_BUTTON_LEFT && DoubleClickDetected(SDL_GetTicks())) {
+        set_fullscreen(get_fullscreen() ? 0 : 1);
+        return;
+    }
+    SDL_ShowCursor(SDL_ENABLE);
+}
+
+void resize(int width, int height) {
+    if (set_video_mode(width, height, get_fullscreen() ? SDL_FULLSCREEN : 0)) {
+        reshape(screen->w, screen->h);
+    }
+}
+
+// The file could not be opened or played.
+void stream_failed(VideoState* is) {
+    if (!stream_is_open(is)) return;
+    const std::string message = "Cannot display file " + is->filename +
+                                "!\nThe file format is either not supported or\n"
+                                "the content can not be read.";
+    std::fprintf(stderr, "%s\n", message.c_str());
+    set_infolabel(message);
+    stream_close(is);
+}
+
+void end_of_stream(VideoState* is) {
+    if (is != global_video_state) return;
+    if (is->loop) {
+        stream_seek(is, 0, 0);
+    } else if (!is->paused) {
+        stream_pause(is);
+    }
+}
+
+}  // namespace
+
+bool DoubleClickDetected(Uint32 ticks) {
+    static Uint32 LastClickTicks = 0;
+    const bool follows = LastClickTicks != 0 && ticks - LastClickTicks <= double_click_ms;
+    LastClickTicks = ticks;
+    return follows;
+}
+
+bool handle_event(const SDL_Event& event) {
+    VideoState* is = global_video_state;
+    switch (event.type) {
+        case SDL_ACTIVEEVENT:
+            if (event.active.state & SDL_APPINPUTFOCUS) set_focus(event.active.gain != 0);
+            break;
+        case SDL_KEYDOWN:
+            if (event.key.keysym.sym == SDLK_ESCAPE) return false;
+            key_down(is, event.key.keysym);
+            break;
+        case SDL_KEYUP: key_up(is, event.key.keysym); break;
+        case SDL_MOUSEBUTTONDOWN: mouse_down(event.button); break;
+        case SDL_QUIT:
+        case event_quit: return false;
+        case SDL_VIDEORESIZE: resize(event.resize.w, event.resize.h); break;
+        case event_alloc_picture:
+            if (is && event.user.data1 == is) alloc_picture(is);
+            break;
+        case event_refresh:
+            refresh_scheduled = false;
+            // Whatever state the event was posted for: a film opened since is the one to show.
+            video_refresh_timer(is);
+            break;
+        case event_failed: stream_failed(static_cast<VideoState*>(event.user.data1)); break;
+        case event_end_of_stream: end_of_stream(static_cast<VideoState*>(event.user.data1)); break;
+        default: break;
+    }
+    return true;
+}
+
+int run_event_loop() {
+    SDL_Event event;
+    do {
+        wait_event(&event);
+    } while (handle_event(event));
+    do_exit();
+    return 0;
+}

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "player/picture_queue.h"
+
+#include "gpu/picture_upload.h"
+#include "platform/threads.h"
+#include "player/side_data.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr int most_queued = 3;  // of four slots one stays on screen
+constexpr Uint32 slot_wait_ms = 100;
+
+bool closing(VideoState* is) { return is->abort_request || packet_queue_aborted(&is->video_queue); }
+
+// Waits until a slot may be written. Returns false when the film is being closed.
+bool wait_for_free_slot(VideoState* is) {
+    MutexLock lock(is->picture_queue_mutex);
+    while (is->picture_queue_size >= most_queued && !closing(is)) {
+        lock.wait_for(is->picture_queue_cond, slot_wait_ms);
+    }
+    return !closing(is);
+}
+
+// Has the main thread make the slot's storage. The request is repeated: an event can get lost.
+bool wait_for_storage(VideoState* is, VideoPicture& slot, int width, int height) {
+    MutexLock lock(is->picture_queue_mutex);
+    if (slot.allocated && slot.width == width && slot.height == height) return true;
+    slot.allocated = 0;
+    is->slot_requested = true;
+    is->slot_width = width;
+    is->slot_height = height;
+    while (!slot.allocated && !closing(is)) {
+        push_event(event_alloc_picture, is);
+        lock.wait_for(is->picture_queue_cond, slot_wait_ms);
+    }
+    is->slot_requested = false;
+    return slot.allocated != 0;
+}
+
+// Keeps the frame itself, or its conversion where pictures do not travel through pixel buffers.
+void store(VideoState* is, VideoPicture& slot, FramePtr& frame) {
+    if (!is->pbo_supported) {
+        SDL_Surface* surface = slot.surface.get();
+        SDL_LockSurface(surface);
+        fill_picture(is, *frame, static_cast<std::uint8_t*>(surface->pixels), surface->pitch, false);
+        SDL_UnlockSurface(surface);
+        return;
+    }
+    if (!slot.frame) {
+        auto made = std::make_unique<LibraryFrame>();
+        made->frame.reset(av_frame_alloc());
+        slot.frame = std::move(made);
+    }
+    auto& kept = static_cast<LibraryFrame&>(*slot.frame).frame;
+    std::swap(kept, frame);
+    if (frame) av_frame_unref(frame.get());
+}
+
+double sample_aspect(VideoState* is, const AVFrame& frame) {
+    const AVRational aspect =
+        av_guess_sample_aspect_ratio(is->format_context.get(), is->video_stream,
+                                     const_cast<AVFrame*>(&frame));
+    return aspect.num > 0 && aspect.den > 0 ? av_q2d(aspect) : 0.0;
+}
+
+void copy_rows(std::uint8_t* to, std::size_t to_stride, const std::uint8_t* from, int from_stride,
+               int bytes, int rows) {
+    for (int row = 0; row < rows; ++row) {
+        std::memcpy(to + static_cast<std::size_t>(row) * to_stride,
+                    from + static_cast<std::ptrdiff_t>(row) * from_stride,
+                    static_cast<std::size_t>(bytes));
+    }
+}
+
+void pack_yuv(const AVFrame& frame, std::uint8_t* destination, int row_bytes) {
+    const int pitch = row_bytes / 3;
+    const auto stride = static_cast<std::size_t>(pitch);
+    const int half = pitch / 2;
+    copy_rows(destination, stride, frame.data[0], frame.linesize[0], pitch, frame.height);
+    std::uint8_t* chroma = destination + stride * static_cast<std::size_t>(frame.height);
+    copy_rows(chroma, stride, frame.data[1], frame.linesize[1], half, frame.height / 2);
+    copy_rows(chroma + half, stride, frame.data[2], frame.linesize[2], half, frame.height / 2);
+}
+
+}  // namespace
+
+int queue_picture(VideoState* is, FramePtr& frame, double pts) {
+    assert_thread(ThreadRole::video);
+    if (!wait_for_free_slot(is)) return -1;
+    VideoPicture& slot = is->pictures[static_cast<std::size_t>(is->picture_queue_windex)];
+    if (!wait_for_storage(is, slot, frame->width, frame->height)) return -1;
+    if (!is->scaler.supports(*frame)) {
+        std::fputs("Cannot initialize the conversion context!\n", stderr);
+        return 1;
+    }
+    slot.ready = false;
+    // The packed form has no room for the odd row and column of chroma.
+    slot.yuv_direct = is->pbo_supported && frame->format == AV_PIX_FMT_YUV420P &&
+                      frame->width % 2 == 0 && frame->height % 2 == 0;
+    is->yuv_direct = slot.yuv_direct;
+    slot.sample_aspect = sample_aspect(is, *frame);
+    read_motion_vectors(&slot, frame.get(), is->video_codec->codec_id);
+    read_quantization_table(&slot, frame.get(), is->video_codec->codec_id);
+    store(is, slot, frame);
+    slot.pts = pts;
+    slot.clear_flags();
+    slot.ready = true;
+    is->picture_queue_windex = (is->picture_queue_windex + 1) % picture_slots;
+    const MutexLock lock(is->picture_queue_mutex);
+    ++is->picture_queue_size;
+    return 0;
+}
+
+void alloc_picture(VideoState* is) {
+    assert_thread(ThreadRole::main);
+    const MutexLock lock(is->picture_queue_mutex);
+    if (!is->slot_requested) return;
+    VideoPicture& slot = is->pictures[static_cast<std::size_t>(is->picture_queue_windex)];
+    slot.surface.reset();
+    slot.frame.reset();
+    slot.width = is->slot_width;
+    slot.height = is->slot_height;
+    slot.ready = false;
+    slot.clear_flags();
+    slot.motion_vectors.clear();
+    slot.quantization_table.clear();
+    if (is->pbo_supported) {
+        make_pixel_buffer(slot);
+    } else {
+        slot.surface.reset(SDL_CreateRGBSurface(SDL_SWSURFACE, slot.width, slot.height, 24, 0xFF,
+                                                0xFF00, 0xFF0000, 0));
+    }
+    is->slot_requested = false;
+    slot.allocated = is->pbo_supported || slot.surface ? 1 : 0;
+    SDL_CondSignal(is->picture_queue_cond.get());
+}
+
+void fill_picture(VideoState* is, const VideoPicture& pic, std::uint8_t* destination, int row_bytes,
+                  bool yuv) {
+    if (!pic.frame) return;
+    fill_picture(is, *static_cast<const LibraryFrame&>(*pic.frame).frame, destination, row_bytes,
+                 yuv);
+}
+
+void fill_picture(VideoState* is, const AVFrame& frame, std::uint8_t* destination, int row_bytes,
+                  bool yuv) {
+    if (yuv && frame.format == AV_PIX_FMT_YUV420P) {
+        pack_yuv(frame, destination, row_bytes);
+    } else {
+        is->scaler.convert(frame, destination, row_bytes);
+    }
+}

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+#include "player/play_video.h"
+
+#include "core/settings.h"
+#include "gpu/gl_context.h"
+#include "gpu/gl_texture.h"
+#include "gpu/video_display.h"
+#include "gui/screen.h"
+#include "platform/threads.h"
+#include "platform/window.h"
+#include "player/event_loop.h"
+#include "player/infolabel.h"
+#include "player/refresh_timer.h"
+#include "player/stream.h"
+
+extern "C" {
+#include <libavdevice/avdevice.h>
+#include <libavutil/log.h>
+}
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+int display_refresh_rate = 0;
+
+namespace {
+
+constexpr int first_refresh_ms = 40;
+constexpr char banner[] = "VYX Player v1.01\nHigh quality media player";
+
+// putenv keeps the strings themselves.
+char scaling_off[] = "SDL12COMPAT_OPENGL_SCALING=0";
+char window_at_origin[] = "SDL_VIDEO_WINDOW_POS=0,0";
+char window_at_centre[] = "SDL_VIDEO_WINDOW_POS=center";
+char window_centred[] = "SDL_VIDEO_CENTERED=1";
+
+bool init_sdl() {
+    if (SDL_WasInit(SDL_INIT_VIDEO)) {
+        set_visible(true);
+        return true;
+    }
+    // Without it the compatibility library lists modes larger than the screen and draws the window
+    // through a framebuffer of its own.
+    putenv(scaling_off);
+    const Uint32 wanted = SDL_INIT_VIDEO | SDL_INIT_TIMER | SDL_INIT_NOPARACHUTE;
+    if (SDL_Init(wanted | SDL_INIT_AUDIO) == 0) return true;
+    // A machine without sound shows films all the same.
+    if (SDL_Init(wanted) == 0) return true;
+    std::fprintf(stderr, "Could not initialize SDL - %s\n", SDL_GetError());
+    return false;
+}
+
+void place_window(PlayVideoArgs* args) {
+    if (args->fullscreen) {
+        putenv(window_at_origin);
+        args->width = args->height = 0;
+    } else if (args->center_window) {
+        putenv(window_at_centre);
+        putenv(window_centred);
+    }
+}
+
+bool open_window(PlayVideoArgs* args) {
+    place_window(args);
+    SDL_WM_SetCaption(args->title, "");
+    load_icon();
+    if (!set_video_mode(args->width, args->height)) {
+        std::fputs("SDL: could not set video mode - exiting\n", stderr);
+        return false;
+    }
+    set_reshape_handler(reshape);
+    if (args->fullscreen) {
+        set_fullscreen(1);
+        SDL_ShowCursor(SDL_DISABLE);
+    }
+    return true;
+}
+
+bool open_gl() {
+    if (!load_gl()) return false;
+    clear_window(screen->w, screen->h);
+    init();
+    reshape(screen->w, screen->h);
+    check_glerror("OpenGL_init");
+    SDL_GL_SwapBuffers();
+    return true;
+}
+
+const AVInputFormat* camera_format(const char* name) {
+    avdevice_register_all();
+    if (std::strstr(name, "1394")) return av_find_input_format("dv1394");
+    const AVInputFormat* format = av_find_input_format("video4linux");
+    return format ? format : av_find_input_format("video4linux2");
+}
+
+// The format to open `name` with; false, with a message, when it cannot be opened at all.
+bool find_format(const char* name, const AVInputFormat** format) {
+    if (std::string_view(name).starts_with("cam:")) {
+        *format = camera_format(name);
+        if (*format) return true;
+        std::fprintf(stderr, "Failed to open: '%s'!\n", name);
+        return false;
+    }
+    if (access(name, F_OK) != 0) {
+        std::fprintf(stderr, "File does not exist: '%s'!\n", name);
+        return false;
+    }
+    *format = av_find_input_format(name);
+    return true;
+}
+
+bool quit_is_waiting() {
+    SDL_PumpEvents();
+    SDL_Event event;
+    return SDL_PeepEvents(&event, 1, SDL_PEEKEVENT, SDL_QUITMASK) > 0;
+}
+
+bool open_first_file(const PlayVideoArgs& args) {
+    if (args.filename[0] == '\0') return true;
+    const AVInputFormat* format = nullptr;
+    if (!find_format(args.filename, &format)) return false;
+    VideoState* is = stream_open(args.filename, args.title, format,
+                                 {args.loop, args.preload, args.postprocessing_callback});
+    if (!is || !args.preload) return true;
+    while (is->preload && !quit_is_waiting()) SDL_Delay(1);
+    if (is->paused && !is->preload) stream_pause(is);
+    return true;
+}
+
+}  // namespace
+
+void init() {
+    init_gl_state();
+    set_vsync(1);
+}
+
+void reshape(int width, int height) {
+    reshape_gl(width, height);
+    const auto w = static_cast<float>(width);
+    const auto h = static_cast<float>(height);
+    const float scale = std::min(h / 600.0F, w / 800.0F);
+    if (scale > 0.0F) {
+        screenRectangle = {-w / 2 / scale, -h / 2 / scale, w / scale, h / scale};
+    }
+    display_refresh_rate = get_display_refresh_rate();
+}
+
+void apply_start_values(const PlayVideoArgs& args) {
+    const auto apply = [](float value, Value& setting) {
+        if (value != 0.0F) setting.setValue(value);
+    };
+    apply(args.brightness, master_settings.brightness);
+    apply(args.contrast, master_settings.contrast);
+    apply(args.denoising, master_settings.denoising_level);
+    if (args.denoising != 0.0F) master_settings.upscaling_algorithm.setValue(1);
+    apply(args.sharpening, master_settings.sharpening_level);
+    if (args.demo) master_settings.demo_mode.setValue(1);
+    apply(args.temp_thresh, master_settings.recursive_filtering_threshold);
+}
+
+int play_video(PlayVideoArgs* args) {
+    set_thread_role(ThreadRole::main);
+    av_log_set_level(AV_LOG_ERROR);
+    if (!init_sdl() || !open_window(args) || !open_gl()) return 1;
+    if (!open_first_file(*args)) return 1;
+    schedule_refresh(global_video_state, first_refresh_ms);
+    if (args->show_banner) {
+        std::puts(banner);
+        std::fflush(stdout);
+        set_infolabel(banner);
+    }
+    apply_start_values(*args);
+    return run_event_loop();
+}
+
+void do_exit() {
+    close_all_streams();
+    if (get_fullscreen()) set_fullscreen(0);
+    SDL_Quit();
+}

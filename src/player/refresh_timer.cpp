@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include "player/refresh_timer.h"
+
+#include "core/settings.h"
+#include "platform/threads.h"
+#include "player/clocks.h"
+
+#include <SDL.h>
+
+extern "C" {
+#include <libavutil/time.h>
+}
+
+#include <chrono>
+#include <thread>
+
+std::atomic<bool> refresh_scheduled{false};
+
+static_assert(SDL_USEREVENT == static_cast<int>(event_alloc_picture));
+
+namespace {
+
+constexpr int timer_step_ms = 10;
+constexpr Uint32 retry_ms = 10;
+constexpr int largest_temporal_factor = 4;
+
+// Posts a refresh unless one is waiting. Returns false when SDL's queue was full.
+bool post_refresh() {
+    if (refresh_scheduled.exchange(true)) return true;
+    if (push_event(event_refresh, global_video_state)) return true;
+    refresh_scheduled = false;
+    return false;
+}
+
+// The due time travels as the timer's parameter. Where a pointer has 32 bits it wraps, which the
+// difference of two nearby times does not mind.
+void* encode_due(std::int64_t due) {
+    return reinterpret_cast<void*>(static_cast<std::uintptr_t>(due));
+}
+
+std::intptr_t microseconds_until(const void* due) {
+    return static_cast<std::intptr_t>(reinterpret_cast<std::uintptr_t>(due) -
+                                      static_cast<std::uintptr_t>(av_gettime_relative()));
+}
+
+}  // namespace
+
+bool push_event(PlayerEvent event, VideoState* state) {
+    SDL_Event message{};
+    message.type = static_cast<Uint8>(event);
+    message.user.type = message.type;
+    message.user.data1 = state;
+    return SDL_PushEvent(&message) == 0;
+}
+
+bool maximize_fps(const VideoState* is) {
+    return is && is->video_stream_index >= 0 &&
+           master_settings.temporal_upscaling_factor.toInt() >= largest_temporal_factor;
+}
+
+int timer_interval(int ms) {
+    const int steps = ms / timer_step_ms;
+    return (steps > 1 ? steps - (ms % timer_step_ms == 0 ? 1 : 0) : 1) * timer_step_ms;
+}
+
+void schedule_refresh(VideoState* is, int ms) {
+    if (maximize_fps(is) && post_refresh()) return;
+    const std::int64_t due = av_gettime_relative() + static_cast<std::int64_t>(ms) * 1000;
+    const auto interval = static_cast<Uint32>(timer_interval(ms));
+    if (SDL_AddTimer(interval, sdl_refresh_timer_cb, encode_due(due))) return;
+    // Without timers the player would stop for good; a busy loop shows pictures at least.
+    post_refresh();
+}
+
+Uint32 sdl_refresh_timer_cb(Uint32 /*interval*/, void* param) {
+    set_thread_role(ThreadRole::timer);
+    const std::intptr_t wait = microseconds_until(param);
+    if (wait > 0 && wait < 1000000) std::this_thread::sleep_for(std::chrono::microseconds(wait));
+    return post_refresh() ? 0 : retry_ms;
+}
+
+void wait_event(SDL_Event* event) {
+    // The compatibility library wakes up for an event. The classic one polls in steps of 10 ms, so it
+    // is polled in finer ones. Only the former has a patch level of 50 and above.
+    static const bool wakes_up = SDL_Linked_Version()->patch >= 50;
+    if (wakes_up) {
+        if (SDL_WaitEvent(event)) return;
+    }
+    while (!SDL_PollEvent(event)) SDL_Delay(1);
+}

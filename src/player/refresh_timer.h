@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "player/video_state.h"
+
+#include <atomic>
+
+/// A refresh event is waiting in the queue.
+extern std::atomic<bool> refresh_scheduled;
+
+/// Whether refreshes follow each other without a timer: the temporal factor stands at its maximum
+/// and there is a picture, or a form is visible. [main]
+bool maximize_fps(const VideoState* is);
+
+/// Asks for a refresh in `ms` milliseconds; at once when refreshes run freely. `is` may be null. [main]
+void schedule_refresh(VideoState* is, int ms);
+
+/// One-shot SDL timer callback: posts the refresh whose due time `param` carries. [timer]
+Uint32 sdl_refresh_timer_cb(Uint32 interval, void* param);
+
+/// The interval to arm SDL's timer with for a refresh in `ms`: the step of 10 ms below it. SDL's own
+/// steps are that coarse; the callback sleeps the rest.
+int timer_interval(int ms);
+
+/// Waits for the next event. [main]
+void wait_event(SDL_Event* event);

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#include "player/seeking.h"
+
+#include "player/clocks.h"
+#include "player/demux.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+constexpr std::int64_t scan_step = 1000000;      // microseconds
+constexpr std::int64_t scan_patience = 1000000;  // microseconds
+
+AVStream* stream_at(const VideoState* is, int index) {
+    return index >= 0 ? is->format_context->streams[index] : nullptr;
+}
+
+// Whether the last step of a scan has shown a picture, or has had its time.
+bool may_step(const VideoState* is) {
+    return is->seeks_seen == is->seeks_done || wall_clock() - is->last_seek_time >= scan_patience;
+}
+
+void forget_queued(PacketQueue& queue) {
+    packet_queue_flush(&queue);
+    packet_queue_put(&queue, flush_packet());
+}
+
+void restart_queues(VideoState* is, std::int64_t target) {
+    is->seek_target = target;
+    is->last_seek_time = wall_clock();
+    ++is->seeks_done;
+    if (is->audio_stream_index >= 0) forget_queued(is->audio_queue);
+    if (is->video_stream_index >= 0) forget_queued(is->video_queue);
+}
+
+}  // namespace
+
+bool seek_file(VideoState* is, std::int64_t target, int flags, bool try_backwards) {
+    AVFormatContext* context = is->format_context.get();
+    const int index = reference_stream(is);
+    if (context->start_time != AV_NOPTS_VALUE) target = std::max(target, context->start_time);
+    const AVStream* stream = stream_at(is, index);
+    const std::int64_t timestamp =
+        stream ? av_rescale_q(target, AV_TIME_BASE_Q, stream->time_base) : target;
+    if (av_seek_frame(context, index, timestamp, flags) >= 0) return true;
+    return try_backwards && !(flags & AVSEEK_FLAG_BACKWARD) &&
+           av_seek_frame(context, index, timestamp, flags | AVSEEK_FLAG_BACKWARD) >= 0;
+}
+
+bool carry_out_seek(VideoState* is) {
+    const bool forward = is->fast_forward;
+    const bool backward = is->rewind && !forward;
+    const bool scanning = forward || backward;
+    if (!is->seek_request && !scanning) return false;
+    const AVStream* stream = stream_at(is, reference_stream(is));
+    const AVRational time_base = stream ? stream->time_base : AV_TIME_BASE_Q;
+    const std::int64_t current = timestamp_microseconds(global_video_pkt_pts, time_base);
+
+    std::int64_t target = is->seek_position;
+    int flags = is->seek_flags;
+    if (scanning) {
+        if (!may_step(is)) return false;
+        target = current + (forward ? scan_step : -scan_step);
+        flags = forward ? 0 : AVSEEK_FLAG_BACKWARD;
+        is->seek_position = current;
+    } else if (target < current) {
+        flags |= AVSEEK_FLAG_BACKWARD;
+    }
+
+    const bool found = seek_file(is, target, flags, !forward);
+    if (found) {
+        restart_queues(is, target);
+        // A scan through sound alone sees no new packets while the clock is paused.
+        if (!scanning || is->video_stream_index < 0) {
+            global_video_pkt_pts = av_rescale_q(target, AV_TIME_BASE_Q, time_base);
+        }
+    } else {
+        std::fprintf(stderr, "%s: error while seeking\n", is->filename.c_str());
+        is->last_seek_time = wall_clock();
+        is->seeks_seen = is->seeks_done - 1;
+    }
+    is->seek_request = false;
+    return found;
+}

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+#include "player/stream.h"
+
+#include "gpu/display_geometry.h"
+#include "gpu/gl_context.h"
+#include "gpu/picture_upload.h"
+#include "gpu/texture_cache.h"
+#include "player/clocks.h"
+#include "player/demux.h"
+#include "player/split_path.h"
+
+#include <algorithm>
+#include <deque>
+#include <memory>
+#include <string_view>
+
+std::atomic<VideoState*> global_video_state{nullptr};
+std::atomic<std::int64_t> global_video_pkt_pts{AV_NOPTS_VALUE};
+
+namespace {
+
+constexpr std::size_t longest_name = 1023;
+constexpr std::string_view camera_prefix = "cam:";
+
+// Late events may carry any of the states that were open while SDL's queue of 127 events filled.
+constexpr std::size_t records_kept = 128;
+
+struct Records {
+    std::deque<std::unique_ptr<VideoState>> open;
+    std::deque<std::unique_ptr<VideoState>> closed;
+};
+
+Records& records() {
+    static Records all;
+    return all;
+}
+
+void create_locks(VideoState* is) {
+    is->picture_queue_mutex = make_mutex();
+    is->picture_queue_cond = make_cond();
+    is->audio_decoder_mutex = make_mutex();
+    is->video_decoder_mutex = make_mutex();
+}
+
+// "cam:device,key=value,..." names the device and options for its demuxer.
+void read_camera_name(VideoState* is, std::string_view text) {
+    const auto next_token = [&text] {
+        const std::size_t comma = text.find(',');
+        const std::string_view token = text.substr(0, comma);
+        text.remove_prefix(comma == std::string_view::npos ? text.size() : comma + 1);
+        return std::string(token);
+    };
+    is->filename = next_token();
+    while (!text.empty()) {
+        const std::string option = next_token();
+        const std::size_t equals = option.find('=');
+        if (equals == std::string::npos) continue;
+        is->open_options.set(option.substr(0, equals).c_str(), option.substr(equals + 1).c_str());
+    }
+}
+
+void read_name(VideoState* is, std::string_view name) {
+    is->filename = name.substr(0, longest_name);
+    is->is_camera = name.starts_with(camera_prefix);
+    if (is->is_camera) read_camera_name(is, name.substr(camera_prefix.size()));
+}
+
+void set_caption(const char* name, const char* title) {
+    std::string file;
+    std::string extension;
+    _splitpath(name, nullptr, nullptr, &file, &extension);
+    SDL_WM_SetCaption((std::string(title) + " - [" + file + extension + "]").c_str(), "");
+}
+
+void free_pictures(VideoState* is) {
+    for (VideoPicture& pic : is->pictures) {
+        pic.rgb = nullptr;
+        pic.enhanced = nullptr;
+        pic.motion = nullptr;
+        pic.motion_vectors.clear();
+        pic.quantization_table.clear();
+        pic.surface.reset();
+        pic.frame.reset();
+        delete_pixel_buffer(pic);
+    }
+    is->staging_texture = nullptr;
+    is->output_texture = nullptr;
+    is->shown_texture = nullptr;
+    clear_texture_cache();
+}
+
+// Moves the record from the open ones to the closed ones. Returns false when it is not open.
+bool retire(const VideoState* is) {
+    auto& open = records().open;
+    const auto found = std::find_if(open.begin(), open.end(),
+                                    [is](const auto& record) { return record.get() == is; });
+    if (found == open.end()) return false;
+    auto& closed = records().closed;
+    closed.push_back(std::move(*found));
+    open.erase(found);
+    if (closed.size() > records_kept) closed.pop_front();
+    return true;
+}
+
+}  // namespace
+
+VideoState* stream_open(const char* name, const char* title, const AVInputFormat* format,
+                        const StreamOptions& options) {
+    auto owner = std::make_unique<VideoState>();
+    VideoState* is = owner.get();
+    read_name(is, name);
+    is->input_format = format;
+    create_locks(is);
+    is->pbo_supported = has_pixel_buffers();
+    is->loop = options.loop;
+    is->preload = options.preload && !is->is_camera;
+    is->postprocessing_callback = options.postprocessing_callback;
+    flush_packet();
+    set_caption(name, title);
+    reset_video_scaling_animation();
+    global_video_pkt_pts = AV_NOPTS_VALUE;
+
+    records().open.push_back(std::move(owner));
+    global_video_state = is;
+    is->demux_thread = SDL_CreateThread(decode_thread, is);
+    if (is->demux_thread) return is;
+    global_video_state = nullptr;
+    retire(is);
+    return nullptr;
+}
+
+void stream_close(VideoState* is) {
+    if (!is || !stream_is_open(is)) return;
+    is->abort_request = true;
+    SDL_WaitThread(is->demux_thread, nullptr);
+    is->demux_thread = nullptr;
+    free_pictures(is);
+    is->scaler.reset();
+    is->picture_queue_cond.reset();
+    is->picture_queue_mutex.reset();
+    is->audio_decoder_mutex.reset();
+    is->video_decoder_mutex.reset();
+    VideoState* current = is;
+    global_video_state.compare_exchange_strong(current, nullptr);
+    retire(is);
+}
+
+void close_all_streams() {
+    while (!records().open.empty()) stream_close(records().open.front().get());
+}
+
+bool stream_is_open(const VideoState* is) {
+    const auto& open = records().open;
+    return std::any_of(open.begin(), open.end(),
+                       [is](const auto& record) { return record.get() == is; });
+}
+
+void stream_seek(VideoState* is, std::int64_t position, int direction) {
+    if (is->seek_request) return;
+    is->seek_position = position;
+    is->seek_flags = direction < 0 ? AVSEEK_FLAG_BACKWARD : 0;
+    is->seek_request = true;
+}
+
+void stream_pause(VideoState* is) {
+    const double now = static_cast<double>(wall_clock()) / 1000000.0;
+    if (!is->paused) {
+        is->video_current_pts = get_video_clock(is);
+        is->clocks.pause_start_time = now;
+    } else if (!is->fast_forward && !is->rewind) {
+        // The clock stood still: it goes on from where it stopped, and so do the due times.
+        is->video_current_pts_time = wall_clock();
+        is->clocks.frame_timer += now - is->clocks.pause_start_time;
+    }
+    is->paused = !is->paused;
+    is->fast_forward = false;
+    is->rewind = false;
+    if (is->paused) is->pause_refresh = true;
+}
+
+void stream_rewind(VideoState* is) {
+    stream_pause(is);
+    is->rewind = true;
+}
+
+void stream_ffw(VideoState* is) {
+    stream_pause(is);
+    is->fast_forward = true;
+}
+
+int decode_interrupt_cb(void* opaque) {
+    const auto* is = opaque ? static_cast<const VideoState*>(opaque) : global_video_state.load();
+    return is && is->abort_request ? 1 : 0;
+}

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "player/video_refresh.h"
+
+#include "core/settings.h"
+#include "player/clocks.h"
+#include "player/display.h"
+#include "player/refresh_plan.h"
+#include "player/refresh_timer.h"
+
+std::int64_t lastframe_timestamp[timestamp_ring_size] = {};
+int lastframe_timestamp_qi = 0;
+
+namespace {
+
+constexpr int idle_ms = 25;
+constexpr int audio_only_ms = 50;
+constexpr int camera_ms = 10;
+
+double video_fps = 0.0;
+
+int queued_pictures(VideoState* is) {
+    const MutexLock lock(is->picture_queue_mutex);
+    return is->picture_queue_size;
+}
+
+// The newest picture of a live source, as soon as possible.
+void refresh_camera(VideoState* is, int queued) {
+    if (queued > 1) release_picture(is);
+    schedule_refresh(is, camera_ms);
+    video_display(is);
+}
+
+RefreshInput refresh_input(VideoState* is, const VideoPicture& pic) {
+    RefreshInput in{};
+    in.pts = pic.pts;
+    in.now = static_cast<double>(wall_clock()) / 1000000.0;
+    in.speed = playback_speeds[static_cast<std::size_t>(is->playback_speed_index)];
+    in.n = master_settings.temporal_upscaling_factor.toInt() + 1;
+    in.free_running = maximize_fps(is);
+    in.follows = (is->sync_source == sync_audio && is->audio_stream_index >= 0) ||
+                 is->sync_source == sync_external;
+    in.difference = in.follows ? pic.pts - get_master_clock(is) : 0.0;
+    in.starved = is->starved;
+    return in;
+}
+
+// One picture or one sub-frame of it. Returns false when the decision has to be taken again.
+bool refresh_picture(VideoState* is) {
+    VideoPicture& pic = is->pictures[static_cast<std::size_t>(is->picture_queue_rindex)];
+    is->video_current_pts = pic.pts;
+    is->video_current_pts_time = wall_clock();
+    const RefreshPlan plan = plan_refresh(is->clocks, refresh_input(is, pic));
+    is->starved = false;
+    if (plan.delay_ms >= 0) schedule_refresh(is, plan.delay_ms);
+    if (plan.display) video_display(is);
+    if (plan.release) {
+        if (!pic.uploaded) ++is->pictures_unseen;
+        release_picture(is);
+    }
+    return plan.delay_ms >= 0;
+}
+
+void refresh_video(VideoState* is) {
+    const bool scanning = is->rewind || is->fast_forward;
+    if (is->paused && !scanning) {
+        schedule_refresh(is, idle_ms);
+        video_display(is);
+        return;
+    }
+    for (;;) {
+        const int queued = queued_pictures(is);
+        if (queued == 0) {
+            is->starved = true;
+            video_display(is);
+            schedule_refresh(is, idle_ms);
+            return;
+        }
+        if (is->is_camera) {
+            refresh_camera(is, queued);
+            return;
+        }
+        if (refresh_picture(is)) return;
+    }
+}
+
+}  // namespace
+
+void note_frame_shown(std::int64_t now) {
+    lastframe_timestamp[lastframe_timestamp_qi] = now;
+    lastframe_timestamp_qi = (lastframe_timestamp_qi + 1) % timestamp_ring_size;
+}
+
+double video_estimate_fps() {
+    const std::int64_t newest =
+        lastframe_timestamp[(lastframe_timestamp_qi + timestamp_ring_size - 1) % timestamp_ring_size];
+    const std::int64_t oldest = lastframe_timestamp[lastframe_timestamp_qi];
+    constexpr double intervals = 31000000.0;
+    const double instant =
+        newest != oldest ? intervals / static_cast<double>(newest - oldest) : intervals;
+    video_fps += 0.2 * (instant - video_fps);
+    return video_fps;
+}
+
+bool video_suppressed() { return false; }
+
+void release_picture(VideoState* is) {
+    is->clocks.subframe_counter = 0;
+    is->picture_queue_rindex = (is->picture_queue_rindex + 1) % picture_slots;
+    const MutexLock lock(is->picture_queue_mutex);
+    --is->picture_queue_size;
+    SDL_CondSignal(is->picture_queue_cond.get());
+}
+
+void video_refresh_timer(VideoState* is) {
+    if (!is) {
+        video_nosignal_display();
+        schedule_refresh(nullptr, idle_ms);
+        return;
+    }
+    if (is->video_stream_index >= 0) {
+        refresh_video(is);
+        return;
+    }
+    if (is->audio_stream_index >= 0) {
+        schedule_refresh(is, audio_only_ms);
+        audio_display(is);
+        return;
+    }
+    schedule_refresh(is, idle_ms);
+}

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "gpu/postprocessing.h"
+#include "gpu/video_picture.h"
+#include "platform/sync.h"
+#include "player/packet_queue.h"
+#include "player/picture_scaler.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+/// The clock that pictures and sound follow.
+enum SyncSource : int { sync_audio = 0, sync_video = 1, sync_external = 2 };
+
+/// What is told of a stream. Written by [demux] before the stream's index, then fixed.
+struct StreamInfo {
+    std::string codec_name;
+    int width = 0;
+    int height = 0;
+    double frame_rate = 0.0;  ///< average, pictures per second
+    std::int64_t bit_rate = 0;
+    int channels = 0;
+};
+
+/// Refresh timing of the open film. [main], seconds unless said otherwise.
+struct RefreshClocks {
+    double frame_timer = 0.0;       ///< wall time at which the current sub-frame is due
+    double frame_last_pts = 0.0;    ///< time stamp of the previous picture
+    double frame_last_delay = 0.0;  ///< how long the previous picture lasted
+    int subframe_counter = 0;       ///< sub-frames of this picture handled (fixed rate)
+    float interpolation_phase = 0;  ///< 0 to n (free-running; 0 at a fixed rate)
+    double pause_start_time = 0.0;
+};
+
+/// The state of one opened file.
+///
+/// Made by `stream_open`, ended by `stream_close`, both on the main thread. The record stays readable
+/// after it was closed, so that a pointer in a late event does no harm. Fields that two threads share
+/// are atomic, or guarded as said.
+struct VideoState {
+    // The input. [demux]
+    FormatInputPtr format_context;
+    const AVInputFormat* input_format = nullptr;  ///< forced format, null to probe
+    /// Chosen streams, -1 for none. Set last when a stream opens and first when it closes.
+    std::atomic<int> video_stream_index{-1};
+    std::atomic<int> audio_stream_index{-1};
+    int third_stream_index = -1;
+    std::atomic<bool> abort_request{false};  ///< ends every thread of this state
+    std::atomic<int> sync_source{sync_video};
+    std::atomic<double> external_clock{0.0};
+    std::atomic<std::int64_t> external_clock_time{0};
+
+    // Requests from [main] to the other threads.
+    std::atomic<bool> paused{false};
+    bool pause_refresh = false;  ///< a paused picture is to be shown once more. [main]
+    bool last_paused = false;    ///< what the demuxer was told last. [demux]
+    std::atomic<bool> rewind{false};
+    std::atomic<bool> fast_forward{false};
+    /// Position and flags are published before the request.
+    std::atomic<bool> seek_request{false};
+    std::atomic<int> seek_flags{0};
+    std::atomic<std::int64_t> seek_position{0};  ///< microseconds
+
+    // Sound.
+    AVStream* audio_stream = nullptr;  ///< owned by format_context
+    CodecContextPtr audio_codec;
+    PacketQueue audio_queue;
+    StreamInfo audio_info;
+
+    // Clocks.
+    RefreshClocks clocks;
+    bool starved = true;      ///< no picture was there at the last refresh. [main]
+    int pictures_unseen = 0;  ///< pictures that came too late to be shown. [main]
+    std::atomic<double> video_clock{0.0};  ///< predicted time of the next picture. [video]
+    std::atomic<double> video_current_pts{0.0};
+    std::atomic<std::int64_t> video_current_pts_time{0};
+    std::atomic<double> audio_clock{0.0};
+    std::atomic<std::int64_t> audio_clock_time{0};
+
+    // Picture.
+    AVStream* video_stream = nullptr;  ///< owned by format_context
+    CodecContextPtr video_codec;
+    PacketQueue video_queue;
+    StreamInfo video_info;
+    PictureScaler scaler;
+    bool pbo_supported = false;        ///< pictures travel through pixel-buffer objects
+    bool show_motion_vectors = false;  ///< [main]
+    bool show_quantization = false;    ///< [main]
+    std::atomic<int> playback_speed_index{4};
+
+    // Picture queue. Size and `allocated` are guarded by picture_queue_mutex; the slots queued belong
+    // to [main], the one at the write index to [video].
+    std::array<VideoPicture, picture_slots> pictures;
+    int picture_queue_size = 0;
+    int picture_queue_rindex = 0;        ///< [main]
+    int picture_queue_windex = 0;        ///< [video]
+    bool slot_requested = false;         ///< the slot at the write index wants storage
+    int slot_width = 0;                  ///< of that size
+    int slot_height = 0;
+    std::atomic<bool> yuv_direct{false};  ///< pictures can be converted on the GPU
+    std::atomic<bool> decoder_finished{false};  ///< every picture of the file is queued
+    std::atomic<std::int64_t> seek_target{0};  ///< of the last seek, microseconds
+    std::int64_t last_seek_time = 0;           ///< wall time in microseconds. [demux]
+    std::atomic<int> seeks_done{0};            ///< seeks carried out. [demux]
+    std::atomic<int> seeks_seen{0};            ///< the newest whose first picture is queued. [video]
+    MutexPtr picture_queue_mutex;
+    CondPtr picture_queue_cond;
+
+    // Display. [main]
+    int shown_picture = -1;  ///< slot on screen
+    object_ref<gl_texture_resource> staging_texture;
+    object_ref<gl_texture_resource> output_texture;
+    object_ref<gl_texture_resource> shown_texture;
+
+    // Options of the opener, set before the demuxing thread starts.
+    bool loop = false;  ///< [main]
+    bool is_camera = false;
+    std::atomic<bool> preload{false};
+    PostprocessingCallback postprocessing_callback = nullptr;
+
+    // Published for the interface.
+    std::atomic<double> duration{0.0};  ///< seconds, 0 when unknown
+    std::atomic<double> position{0.0};  ///< seconds
+    std::atomic<bool> failed{false};    ///< the file could not be opened or played
+
+    // Threads.
+    SDL_Thread* demux_thread = nullptr;
+    SDL_Thread* video_thread = nullptr;
+    MutexPtr video_decoder_mutex;  ///< held around decoding, never while waiting for a slot
+    MutexPtr audio_decoder_mutex;
+
+    std::string filename;     ///< at most 1023 bytes; for cameras the device's name
+    Dictionary open_options;  ///< handed to the demuxer. [demux] after opening
+};
+
+/// The open file, null for none.
+extern std::atomic<VideoState*> global_video_state;
+
+/// Time stamp of the newest video packet (without video: audio packet) in its stream's time base.
+extern std::atomic<std::int64_t> global_video_pkt_pts;
+
+/// User events of the player; the first data word is the `VideoState` concerned or null.
+enum PlayerEvent : int {
+    event_alloc_picture = 24,
+    event_refresh = 25,
+    event_quit = 26,
+    event_failed = 27,
+    event_end_of_stream = 28,
+};
+
+/// Posts a user event. Returns false when SDL's queue is full. Any thread.
+bool push_event(PlayerEvent event, VideoState* state);

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#include "platform/threads.h"
+#include "player/clocks.h"
+#include "player/picture_queue.h"
+#include "player/video_decoder.h"
+
+namespace {
+
+constexpr Uint32 pause_poll_ms = 10;
+
+// The decoding of one film, on its thread.
+class VideoDecoding {
+  public:
+    explicit VideoDecoding(VideoState* is)
+        : is_(is), packet_(av_packet_alloc()), frame_(av_frame_alloc()) {}
+
+    void run() {
+        if (!packet_ || !frame_) return;
+        for (;;) {
+            wait_while_paused();
+            if (packet_queue_get(&is_->video_queue, packet_.get(), true) < 0) return;
+            if (is_flush_packet(packet_.get())) {
+                start_again();
+            } else if (!decode_packet()) {
+                return;
+            }
+            av_packet_unref(packet_.get());
+        }
+    }
+
+  private:
+    // Nothing is decoded during a pause, unless the film is being scanned.
+    void wait_while_paused() const {
+        while (is_->paused && !is_->fast_forward && !is_->rewind &&
+               !packet_queue_aborted(&is_->video_queue)) {
+            SDL_Delay(pause_poll_ms);
+        }
+    }
+
+    void start_again() {
+        {
+            const MutexLock lock(is_->video_decoder_mutex);
+            avcodec_flush_buffers(is_->video_codec.get());
+        }
+        draining_ = false;
+        is_->decoder_finished = false;
+        is_->video_clock = static_cast<double>(is_->seek_target) / 1000000.0;
+        seek_ = is_->seeks_done;
+    }
+
+    // Sends the packet and queues every picture that comes out. Returns false when the film closes.
+    bool decode_packet() {
+        const bool drain = is_empty_packet(packet_.get());
+        if (drain && draining_) return true;
+        if (!drain && draining_) {
+            // A decoder that was drained takes nothing more until it is flushed.
+            const MutexLock lock(is_->video_decoder_mutex);
+            avcodec_flush_buffers(is_->video_codec.get());
+            draining_ = false;
+            is_->decoder_finished = false;
+        }
+        if (!drain) note_time();
+        draining_ = drain;
+        for (;;) {
+            const int sent = send(drain);
+            const int before = received_;
+            if (!queue_pictures()) return false;
+            // A decoder that is full takes the packet once its pictures are out.
+            if (sent != AVERROR(EAGAIN) || received_ == before) return true;
+        }
+    }
+
+    void note_time() const {
+        if (packet_->pts != AV_NOPTS_VALUE) {
+            global_video_pkt_pts = packet_->pts;
+        } else if (packet_->dts != AV_NOPTS_VALUE) {
+            global_video_pkt_pts = packet_->dts;
+        }
+    }
+
+    int send(bool drain) {
+        const MutexLock lock(is_->video_decoder_mutex);
+        return avcodec_send_packet(is_->video_codec.get(), drain ? nullptr : packet_.get());
+    }
+
+    int receive() {
+        const MutexLock lock(is_->video_decoder_mutex);
+        return avcodec_receive_frame(is_->video_codec.get(), frame_.get());
+    }
+
+    bool queue_pictures() {
+        for (;;) {
+            const int result = receive();
+            if (result == AVERROR_EOF) is_->decoder_finished = true;
+            if (result < 0) return true;
+            ++received_;
+            if (!queue_frame()) return false;
+        }
+    }
+
+    bool queue_frame() {
+        const double stamp = timestamp_seconds(frame_->pkt_dts, is_->video_stream->time_base);
+        const double pts =
+            synchronize_video(is_, frame_->repeat_pict, frame_duration(is_), stamp);
+        const int result = queue_picture(is_, frame_, pts);
+        if (!frame_) frame_.reset(av_frame_alloc());
+        if (!frame_ || result < 0) return false;
+        av_frame_unref(frame_.get());
+        if (result == 0) is_->seeks_seen = seek_;
+        return true;
+    }
+
+    VideoState* is_;
+    PacketPtr packet_;
+    FramePtr frame_;
+    bool draining_ = false;
+    int received_ = 0;
+    int seek_ = 0;  // the last seek whose flush packet came through
+};
+
+}  // namespace
+
+int video_thread(void* param) {
+    set_thread_role(ThreadRole::video);
+    auto* is = static_cast<VideoState*>(param);
+    VideoDecoding(is).run();
+    is->decoder_finished = true;
+    return 0;
+}
