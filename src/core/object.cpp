@@ -16,7 +16,9 @@ int object::release() {
     return 0;
 }
 
-void* object::queryInterface(unsigned long long /*id*/, void* /*out*/) { return nullptr; }
+void* object::queryInterface(unsigned long long /*id*/, void* /*out*/) {
+    return nullptr;
+}
 
 void* object::operator new(std::size_t size) {
     void* memory = std::calloc(1, size);
@@ -24,4 +26,6 @@ void* object::operator new(std::size_t size) {
     return memory;
 }
 
-void object::operator delete(void* memory) { std::free(memory); }
+void object::operator delete(void* memory) {
+    std::free(memory);
+}

@@ -76,7 +76,8 @@ class object_ref {
 
     template <class U>
     requires(!std::is_same_v<T, U> && conversion_references<T, U> > 0)
-    object_ref(const object_ref<U>& other) : object_(static_cast<U*>(other)) {
+        object_ref(const object_ref<U>& other)
+        : object_(static_cast<U*>(other)) {
         take(conversion_references<T, U>);
     }
 
@@ -102,7 +103,8 @@ class object_ref {
 
   private:
     void take(int references) {
-        for (int i = 0; object_ && i < references; ++i) object_->addref();
+        for (int i = 0; object_ && i < references; ++i)
+            object_->addref();
     }
 
     T* object_ = nullptr;

@@ -37,11 +37,17 @@ float Value::getNormalizedValue(float v) const {
     return maximum_ == minimum_ ? 0.0F : (v - minimum_) / (maximum_ - minimum_);
 }
 
-float Value::fromNormalizedValue(float t) const { return minimum_ + t * (maximum_ - minimum_); }
+float Value::fromNormalizedValue(float t) const {
+    return minimum_ + t * (maximum_ - minimum_);
+}
 
-bool Value::toBool() const { return getValue() > 0.5F; }
+bool Value::toBool() const {
+    return getValue() > 0.5F;
+}
 
-int Value::toInt() const { return static_cast<int>(getValue() + 0.5F); }
+int Value::toInt() const {
+    return static_cast<int>(getValue() + 0.5F);
+}
 
 Settings::Settings()
     : brightness("brightness", -0.5F, 0.5F, 0.0F),
@@ -69,12 +75,28 @@ Settings::Settings()
       audio_dnr_level("audio DNR level", 0.0F, 1024.0F, 0.0F),
       audio_latency("audio latency", -0.5F, 0.5F, 0.0F, "s") {
     // Not quite the order of the members, and two of them are left out.
-    for (Value* value :
-         {&brightness, &contrast, &spatial_upscaling_factor, &upscaling_algorithm,
-          &temporal_upscaling_factor, &denoising_level, &sharpening_level, &spatial_zoom, &vsync,
-          &status, &demo_mode, &motion_interpolation_method, &offload_decoding, &inloop_deblocking,
-          &volume, &balance, &eq_low, &eq_mid, &eq_high, &stereo_enhancer, &audio_dnr_level,
-          &audio_latency}) {
+    for (Value* value : {&brightness,
+                         &contrast,
+                         &spatial_upscaling_factor,
+                         &upscaling_algorithm,
+                         &temporal_upscaling_factor,
+                         &denoising_level,
+                         &sharpening_level,
+                         &spatial_zoom,
+                         &vsync,
+                         &status,
+                         &demo_mode,
+                         &motion_interpolation_method,
+                         &offload_decoding,
+                         &inloop_deblocking,
+                         &volume,
+                         &balance,
+                         &eq_low,
+                         &eq_mid,
+                         &eq_high,
+                         &stereo_enhancer,
+                         &audio_dnr_level,
+                         &audio_latency}) {
         add(*value);
     }
 }

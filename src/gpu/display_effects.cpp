@@ -36,7 +36,8 @@ void convert_yuv420p_to_rgb(gl_texture_resource* staging, gl_texture_resource* r
 
 void brightness_contrast_enhancement(VideoPicture* pic) {
     if (pic->converted) return;
-    if (master_settings.brightness.getValue() == 0.0F && master_settings.contrast.getValue() == 0.0F)
+    if (master_settings.brightness.getValue() == 0.0F &&
+        master_settings.contrast.getValue() == 0.0F)
         return;
     const ColourAdjustment colour = colour_adjustment();
     gl_shader_resource* program = compile_shader(brightness_contrast, true);
@@ -63,8 +64,8 @@ void show_demo_overlay(gl_texture_resource* output, gl_texture_resource* origina
     program->setValue("texOutput", 0);
     program->setValue("texOriginal", 1);
     program->setValue("halfWidth", static_cast<float>(line));
-    program->setValue("scale", static_cast<float>(original->width()) /
-                                   static_cast<float>(output->width()));
+    program->setValue("scale",
+                      static_cast<float>(original->width()) / static_cast<float>(output->width()));
     program->run();
     program->end();
 }

@@ -24,6 +24,6 @@ void brightness_contrast_enhancement(VideoPicture* pic);
 void show_demo_overlay(gl_texture_resource* output, gl_texture_resource* original,
                        bool show_original);
 
-/// Makes the seeking effect the current program, with `texIn` on unit 0. `height` is the height of the
-/// picture on screen in pixels, `time` in seconds. End it with `glUseProgram(0)`. [main]
+/// Makes the seeking effect the current program, with `texIn` on unit 0. `height` is the height of
+/// the picture on screen in pixels, `time` in seconds. End it with `glUseProgram(0)`. [main]
 void begin_seeking_effect(int height, int screen_height, float time);

@@ -29,7 +29,9 @@ bool same(const SDL_Rect& a, const SDL_Rect& b) {
     return a.x == b.x && a.y == b.y && a.w == b.w && a.h == b.h;
 }
 
-long area(const SDL_Rect& r) { return static_cast<long>(r.w) * r.h; }
+long area(const SDL_Rect& r) {
+    return static_cast<long>(r.w) * r.h;
+}
 
 }  // namespace
 
@@ -54,8 +56,8 @@ SDL_Rect destination_rectangle(int zoom, int height, double aspect, int factor, 
     if (zoom <= 0) {
         r = fit_rectangle(aspect, screen_width, screen_height);
     } else if (zoom == 1) {
-        const double k = std::max(static_cast<double>(screen_height) / height,
-                                  screen_width / (height * aspect));
+        const double k =
+            std::max(static_cast<double>(screen_height) / height, screen_width / (height * aspect));
         r.h = side(std::rint(height * k));
         r.w = side(std::rint(height * aspect * k));
     } else {
@@ -104,4 +106,6 @@ void video_scaling_animation(SDL_Rect& r) {
     animate_zoom(window_zoom, r, screen->w, screen->h, SDL_GetTicks());
 }
 
-void reset_video_scaling_animation() { window_zoom = {}; }
+void reset_video_scaling_animation() {
+    window_zoom = {};
+}

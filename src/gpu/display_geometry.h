@@ -9,9 +9,9 @@ double display_aspect(int width, int height, double sample_aspect);
 
 /// Where a picture lies in the window.
 ///
-/// `zoom` is the setting "spatial zoom": 0 fits the picture, 1 fills the window, 2 to 4 show it at 1,
-/// 2 and 4 times its enhanced size (`height` x `factor`). The rectangle is centred and may be larger
-/// than the screen; its sides are cut to what an `SDL_Rect` can hold.
+/// `zoom` is the setting "spatial zoom": 0 fits the picture, 1 fills the window, 2 to 4 show it at
+/// 1, 2 and 4 times its enhanced size (`height` x `factor`). The rectangle is centred and may be
+/// larger than the screen; its sides are cut to what an `SDL_Rect` can hold.
 SDL_Rect destination_rectangle(int zoom, int height, double aspect, int factor, int screen_width,
                                int screen_height);
 
@@ -26,8 +26,8 @@ struct ZoomAnimation {
     Uint32 start_ms = 0;
 };
 
-/// Moves `r` back towards the rectangle shown before: a change takes 125 ms. `now_ms` is the time in
-/// milliseconds.
+/// Moves `r` back towards the rectangle shown before: a change takes 125 ms. `now_ms` is the time
+/// in milliseconds.
 void animate_zoom(ZoomAnimation& zoom, SDL_Rect& r, int screen_width, int screen_height,
                   Uint32 now_ms);
 

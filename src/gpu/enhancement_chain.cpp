@@ -30,8 +30,8 @@ void spatial_pass(const VideoPicture* cur, const VideoPicture* ref) {
 
 void enhance(const DisplayView& view, VideoPicture& cur, VideoPicture& prev,
              const EnhancementFactors& factors) {
-    // A previous picture that was skipped is made up for: it serves as reference and as the other end
-    // of the interpolation.
+    // A previous picture that was skipped is made up for: it serves as reference and as the other
+    // end of the interpolation.
     if (prev.rgb && prev.enhanced && !prev.is_enhanced) {
         spatial_pass(&prev, nullptr);
         postprocessing_filter(view, prev, factors);
@@ -68,7 +68,8 @@ void interpolate(int method, gl_texture_resource* out, const VideoPicture& cur,
         case method_blend:
             temporal_upscaling_blend(out, &cur, &prev, static_cast<int>(phase), T);
             break;
-        default: temporal_upscaling_off(out, &cur);
+        default:
+            temporal_upscaling_off(out, &cur);
     }
 }
 
@@ -76,7 +77,8 @@ void interpolate(int method, gl_texture_resource* out, const VideoPicture& cur,
 
 EnhancementFactors enhancement_factors(int width, int height) {
     int spatial = master_settings.spatial_upscaling_factor.toInt() + 1;
-    while (spatial > 1 && std::max(width, height) * spatial > max_texture_size) --spatial;
+    while (spatial > 1 && std::max(width, height) * spatial > max_texture_size)
+        --spatial;
     return {spatial, master_settings.temporal_upscaling_factor.toInt() + 1};
 }
 

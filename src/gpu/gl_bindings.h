@@ -19,8 +19,8 @@ extern GLuint fb[binding_slots];
 /// Makes the framebuffer objects anew. Does nothing where the driver has none. [main]
 void make_framebuffers();
 
-/// Binds `tex` on texture unit `unit` for the next pass, with `filter` (`GL_NEAREST` or `GL_LINEAR`)
-/// and clamped edges. Units outside 0..7 are ignored. [main]
+/// Binds `tex` on texture unit `unit` for the next pass, with `filter` (`GL_NEAREST` or
+/// `GL_LINEAR`) and clamped edges. Units outside 0..7 are ignored. [main]
 void set_texture(int unit, gl_texture_resource* tex, int filter);
 
 /// Makes `tex` (null: nothing) the target of slot `slot` for the next pass. Slots outside 0..7 are

@@ -31,7 +31,8 @@ const char* gl_text(GLenum what) {
 bool load_gl() {
     const GLenum error = glewInit();
     if (error != GLEW_OK) {
-        std::fprintf(stderr, "GLEW: %s\n", reinterpret_cast<const char*>(glewGetErrorString(error)));
+        std::fprintf(stderr, "GLEW: %s\n",
+                     reinterpret_cast<const char*>(glewGetErrorString(error)));
         return false;
     }
     std::printf("OPENGL VENDOR = %s\n", gl_text(GL_VENDOR));
@@ -65,7 +66,9 @@ void reshape_gl(int width, int height) {
     make_framebuffers();
 }
 
-bool has_pixel_buffers() { return GLEW_EXT_pixel_buffer_object || GLEW_ARB_pixel_buffer_object; }
+bool has_pixel_buffers() {
+    return GLEW_EXT_pixel_buffer_object || GLEW_ARB_pixel_buffer_object;
+}
 
 void present_window(bool finish) {
     glDisable(GL_BLEND);

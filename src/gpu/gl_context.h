@@ -8,8 +8,8 @@ bool load_gl();
 /// Fixed state of the context: blending, wrapping, fill mode, and the largest texture. [main]
 void init_gl_state();
 
-/// Viewport and projection for a window of `width` x `height` pixels, origin at the top left, and new
-/// framebuffer objects. [main]
+/// Viewport and projection for a window of `width` x `height` pixels, origin at the top left, and
+/// new framebuffer objects. [main]
 void reshape_gl(int width, int height);
 
 /// Whether pictures can travel through pixel-buffer objects.

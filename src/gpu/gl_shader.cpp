@@ -21,7 +21,8 @@ void append_to_log(const char* heading, const char* underline, const std::string
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen("GLShader.log", "a"),
                                                                std::fclose);
     if (!file) return;
-    for (const char* part : {heading, underline, text.c_str(), "\n"}) std::fputs(part, file.get());
+    for (const char* part : {heading, underline, text.c_str(), "\n"})
+        std::fputs(part, file.get());
 }
 
 struct TextureSpan {
@@ -39,8 +40,8 @@ TextureSpan texture_span(const gl_texture_resource& tex, SDL_Rect r, int W, int 
     const auto scaled = [](int position, int size, int target_size) {
         return static_cast<float>(target_size == 0 ? 0 : position * size / target_size);
     };
-    return {scaled(r.x, tex.width(), W), scaled(r.y, tex.height(), H),
-            scaled(r.w, tex.width(), W), scaled(r.h, tex.height(), H)};
+    return {scaled(r.x, tex.width(), W), scaled(r.y, tex.height(), H), scaled(r.w, tex.width(), W),
+            scaled(r.h, tex.height(), H)};
 }
 
 void enter_target(const gl_texture_resource& target) {
@@ -64,7 +65,8 @@ void leave_target() {
 int list_draw_buffers(GLenum (&list)[binding_slots]) {
     int count = 0;
     for (int slot = 0; slot < binding_slots; ++slot) {
-        if (rendertargets[slot]) list[count++] = GL_COLOR_ATTACHMENT0_EXT + static_cast<GLenum>(slot);
+        if (rendertargets[slot])
+            list[count++] = GL_COLOR_ATTACHMENT0_EXT + static_cast<GLenum>(slot);
     }
     return count;
 }
@@ -119,7 +121,9 @@ gl_shader_resource::~gl_shader_resource() {
     glDeleteProgram(program_);
 }
 
-void gl_shader_resource::begin() { glUseProgram(program_); }
+void gl_shader_resource::begin() {
+    glUseProgram(program_);
+}
 
 void gl_shader_resource::end() {
     glUseProgram(0);
@@ -127,8 +131,12 @@ void gl_shader_resource::end() {
     glActiveTexture(GL_TEXTURE0);
 }
 
-void gl_shader_resource::setValue(const char* name, int v) { glUniform1i(getToken(name), v); }
-void gl_shader_resource::setValue(const char* name, float v) { glUniform1f(getToken(name), v); }
+void gl_shader_resource::setValue(const char* name, int v) {
+    glUniform1i(getToken(name), v);
+}
+void gl_shader_resource::setValue(const char* name, float v) {
+    glUniform1f(getToken(name), v);
+}
 void gl_shader_resource::setValue(const char* name, paravec2<float> v) {
     glUniform2fv(getToken(name), 1, &v.x);
 }

@@ -43,7 +43,9 @@ bool check_glerror(const char* /*where*/) {
     return false;
 }
 
-bool has_rectangle_textures() { return GLEW_ARB_texture_rectangle != 0; }
+bool has_rectangle_textures() {
+    return GLEW_ARB_texture_rectangle != 0;
+}
 
 gl_texture_resource::gl_texture_resource(int height, int width, int format, const void* data)
     : target_(has_rectangle_textures() ? GL_TEXTURE_RECTANGLE_ARB : GL_TEXTURE_2D),
@@ -114,4 +116,6 @@ void delete_dropped_textures() {
     if (!names.empty()) glDeleteTextures(static_cast<GLsizei>(names.size()), names.data());
 }
 
-int live_textures() { return texture_count; }
+int live_textures() {
+    return texture_count;
+}

@@ -22,8 +22,8 @@ bool has_rectangle_textures();
 
 /// A texture that can be sampled and rendered to.
 ///
-/// Rectangle textures (texel coordinates) where the driver has them, otherwise 2-D ones. Made on the
-/// main thread. Its GL name is deleted with the object; when another thread drops the last
+/// Rectangle textures (texel coordinates) where the driver has them, otherwise 2-D ones. Made on
+/// the main thread. Its GL name is deleted with the object; when another thread drops the last
 /// reference, the name waits until `delete_dropped_textures`.
 class gl_texture_resource : public object {
   public:
@@ -37,7 +37,8 @@ class gl_texture_resource : public object {
     /// The internal format that a request for `format` gives: itself, or the default for 0.
     static int get_internal_format(int format);
 
-    /// Uploads a whole picture of floats in the texture's pixel format, rows from the bottom. [main]
+    /// Uploads a whole picture of floats in the texture's pixel format, rows from the bottom.
+    /// [main]
     void transfer_to_texture(const void* data);
 
     /// Reads the whole picture, or the rectangle `r`, as floats in the texture's pixel format.

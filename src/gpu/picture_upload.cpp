@@ -107,7 +107,8 @@ void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, bool yuv) {
 
 void upload_picture(VideoPicture& pic, const UploadOptions& options) {
     bool replaced = alloc_texture(pic.rgb, pic.height, pic.width, GL_RGBA);
-    replaced |= alloc_texture(pic.enhanced, pic.height * options.factor, pic.width * options.factor, 0);
+    replaced |=
+        alloc_texture(pic.enhanced, pic.height * options.factor, pic.width * options.factor, 0);
     if (replaced) pic.converted = pic.is_enhanced = false;
     upload_motion_vectors(pic);
     if (pic.buffer_filled && pic.buffer_is_yuv) {

@@ -25,8 +25,8 @@ class PictureSource {
 void make_pixel_buffer(VideoPicture& pic);
 void delete_pixel_buffer(VideoPicture& pic);
 
-/// Fills the slot's pixel buffer from the source. The slot counts as filled also when the buffer could
-/// not be mapped. [main]
+/// Fills the slot's pixel buffer from the source. The slot counts as filled also when the buffer
+/// could not be mapped. [main]
 void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, bool yuv);
 
 /// What an upload works with besides the picture.

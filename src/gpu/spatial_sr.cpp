@@ -23,4 +23,5 @@ void spatial_deblocking_and_denoising(const VideoPicture* cur, const VideoPictur
     spatial_sr(cur, ref, f);
 }
 
-void sharpening_filter(gl_texture_resource* /*in*/, gl_texture_resource* /*out*/, float /*level*/) {}
+void sharpening_filter(gl_texture_resource* /*in*/, gl_texture_resource* /*out*/, float /*level*/) {
+}

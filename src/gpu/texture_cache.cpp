@@ -46,6 +46,7 @@ bool release_texture(gl_texture_resource*& tex) {
 }
 
 void clear_texture_cache() {
-    for (gl_texture_resource* tex : cachedTextures) tex->release();
+    for (gl_texture_resource* tex : cachedTextures)
+        tex->release();
     cachedTextures.clear();
 }

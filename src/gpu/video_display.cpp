@@ -16,8 +16,8 @@ VideoPicture& slot(const DisplayView& view, int index) {
     return view.slots[index % picture_slots];
 }
 
-// Brings every queued picture into its buffer, in the form that its conversion needs now. Slots that
-// are not queued are left alone: the video thread may be writing them.
+// Brings every queued picture into its buffer, in the form that its conversion needs now. Slots
+// that are not queued are left alone: the video thread may be writing them.
 void fill_pixel_buffers(const DisplayView& view) {
     if (!view.pixel_buffers) return;
     const bool on_gpu = master_settings.upscaling_algorithm.toInt() == 0 &&
@@ -26,7 +26,8 @@ void fill_pixel_buffers(const DisplayView& view) {
         VideoPicture& pic = slot(view, view.read_index + i);
         const bool yuv = pic.yuv_direct && on_gpu;
         if (!pic.ready || !pic.pbo || pic.uploaded) continue;
-        if (!pic.buffer_filled || pic.buffer_is_yuv != yuv) fill_pixel_buffer(pic, view.source, yuv);
+        if (!pic.buffer_filled || pic.buffer_is_yuv != yuv)
+            fill_pixel_buffer(pic, view.source, yuv);
     }
 }
 

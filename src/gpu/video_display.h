@@ -5,14 +5,14 @@
 #include "gpu/postprocessing.h"
 #include "gpu/video_picture.h"
 
-/// What one redraw of the window works with. The player fills it from the open film; nothing in it is
-/// owned. [main]
+/// What one redraw of the window works with. The player fills it from the open film; nothing in it
+/// is owned. [main]
 struct DisplayView {
     int screen_width;
     int screen_height;
 
-    /// The picture queue: `picture_slots` slots, the one to show, and how many are queued from there.
-    /// With none queued the last picture stays.
+    /// The picture queue: `picture_slots` slots, the one to show, and how many are queued from
+    /// there. With none queued the last picture stays.
     VideoPicture* slots;
     int read_index;
     int queued;

@@ -43,7 +43,8 @@ void draw_quantization(const VideoPicture& pic) {
     glBegin(GL_QUADS);
     for (int r = 0; r < pic.grid_height; ++r) {
         for (int c = 0; c < pic.grid_width; ++c) {
-            const float v = std::min(static_cast<float>(pic.quantization_table[r][c]) / 50.0F, 1.0F);
+            const float v =
+                std::min(static_cast<float>(pic.quantization_table[r][c]) / 50.0F, 1.0F);
             const int x = c * pic.block_width;
             const int y = r * pic.block_height;
             glColor4f(v * v * v * v, 0.0F, 0.0F, 0.6F);

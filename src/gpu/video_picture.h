@@ -28,8 +28,8 @@ struct SurfaceDeleter {
 
 /// One slot of the picture queue.
 ///
-/// The video thread writes a slot while it is neither queued nor on screen; the main thread reads it
-/// while it is. GL objects are made and deleted on the main thread.
+/// The video thread writes a slot while it is neither queued nor on screen; the main thread reads
+/// it while it is. GL objects are made and deleted on the main thread.
 struct VideoPicture {
     /// 24-bit RGB pixels, without pixel-buffer objects.
     std::unique_ptr<SDL_Surface, SurfaceDeleter> surface;

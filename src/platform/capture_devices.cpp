@@ -92,7 +92,8 @@ int list_video_inputs(char*** out, const char* folder) {
     std::stable_sort(paths.begin(), paths.end(), sort_on_device_name);
     auto** names = static_cast<char**>(std::calloc(paths.size(), sizeof(char*)));
     if (!names) return 0;
-    for (std::size_t i = 0; i < paths.size(); ++i) names[i] = strdup(paths[i].c_str());
+    for (std::size_t i = 0; i < paths.size(); ++i)
+        names[i] = strdup(paths[i].c_str());
     *out = names;
     return static_cast<int>(paths.size());
 }

@@ -18,8 +18,12 @@ using MutexPtr = std::unique_ptr<SDL_mutex, SdlMutexDeleter>;
 /// An SDL condition variable and its owner.
 using CondPtr = std::unique_ptr<SDL_cond, SdlCondDeleter>;
 
-inline MutexPtr make_mutex() { return MutexPtr(SDL_CreateMutex()); }
-inline CondPtr make_cond() { return CondPtr(SDL_CreateCond()); }
+inline MutexPtr make_mutex() {
+    return MutexPtr(SDL_CreateMutex());
+}
+inline CondPtr make_cond() {
+    return CondPtr(SDL_CreateCond());
+}
 
 /// Holds an SDL mutex for the life of a scope.
 class MutexLock {

@@ -11,13 +11,20 @@ thread_local ThreadRole current_role = ThreadRole::unnamed;
 
 const char* role_name(ThreadRole role) {
     switch (role) {
-        case ThreadRole::unnamed: break;
-        case ThreadRole::main: return "vyx-main";
-        case ThreadRole::demux: return "vyx-demux";
-        case ThreadRole::video: return "vyx-video";
-        case ThreadRole::audio: return "vyx-audio";
-        case ThreadRole::timer: return "vyx-timer";
-        case ThreadRole::thumbs: return "vyx-thumbs";
+        case ThreadRole::unnamed:
+            break;
+        case ThreadRole::main:
+            return "vyx-main";
+        case ThreadRole::demux:
+            return "vyx-demux";
+        case ThreadRole::video:
+            return "vyx-video";
+        case ThreadRole::audio:
+            return "vyx-audio";
+        case ThreadRole::timer:
+            return "vyx-timer";
+        case ThreadRole::thumbs:
+            return "vyx-thumbs";
     }
     return "vyx";
 }
@@ -31,7 +38,9 @@ void set_thread_role(ThreadRole role) {
     if (role != ThreadRole::main) pthread_setname_np(pthread_self(), role_name(role));
 }
 
-ThreadRole thread_role() { return current_role; }
+ThreadRole thread_role() {
+    return current_role;
+}
 
 void assert_thread([[maybe_unused]] ThreadRole role) {
     assert(current_role == role || current_role == ThreadRole::unnamed);

@@ -29,7 +29,9 @@ SDL_Rect fullscreen_size() {
 
 }  // namespace
 
-void set_reshape_handler(ReshapeHandler handler) { reshape_handler = handler; }
+void set_reshape_handler(ReshapeHandler handler) {
+    reshape_handler = handler;
+}
 
 bool set_video_mode(int width, int height, Uint32 flags) {
     SDL_Surface* surface = SDL_SetVideoMode(width, height, 0, SDL_OPENGL | SDL_RESIZABLE | flags);
@@ -37,7 +39,9 @@ bool set_video_mode(int width, int height, Uint32 flags) {
     return surface != nullptr;
 }
 
-bool get_fullscreen() { return bFullScreen; }
+bool get_fullscreen() {
+    return bFullScreen;
+}
 
 SDL_Rect largest_mode(SDL_Rect* const* modes) {
     SDL_Rect best{0, 0, window_width, window_height};
@@ -64,9 +68,13 @@ void set_vsync(int interval) {
     set_swap_interval(interval);
 }
 
-int get_vsync() { return iVSync; }
+int get_vsync() {
+    return iVSync;
+}
 
-int get_display_refresh_rate() { return 60; }
+int get_display_refresh_rate() {
+    return 60;
+}
 
 void show_taskbar(bool /*visible*/) {}
 void set_visible(bool /*visible*/) {}

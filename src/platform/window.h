@@ -22,8 +22,8 @@ bool get_fullscreen();
 /// had before. Returns whether the mode was set; a failure is reported on standard error. [main]
 bool set_fullscreen(int on);
 
-/// The largest mode of more than 800 x 600 pixels in a list as `SDL_ListModes` returns it; 800 x 600
-/// where there is none. Of equal ones the first.
+/// The largest mode of more than 800 x 600 pixels in a list as `SDL_ListModes` returns it; 800 x
+/// 600 where there is none. Of equal ones the first.
 SDL_Rect largest_mode(SDL_Rect* const* modes);
 
 /// Waits for buffer swaps to follow the display: 0 not at all, 1 every refresh. [main]

@@ -22,7 +22,9 @@ std::int64_t wall_clock() {
     return clock ? clock() : av_gettime();
 }
 
-void set_wall_clock(std::int64_t (*clock)()) { replaced_clock = clock; }
+void set_wall_clock(std::int64_t (*clock)()) {
+    replaced_clock = clock;
+}
 
 double get_audio_clock(const VideoState* is) {
     if (is->paused) return is->audio_clock;
@@ -43,9 +45,12 @@ double get_master_clock(const VideoState* is) {
     const bool has_video = is->video_stream_index >= 0;
     const bool has_audio = is->audio_stream_index >= 0;
     switch (is->sync_source) {
-        case sync_video: return has_video ? get_video_clock(is) : get_audio_clock(is);
-        case sync_audio: return has_audio ? get_audio_clock(is) : get_video_clock(is);
-        default: return get_external_clock(is);
+        case sync_video:
+            return has_video ? get_video_clock(is) : get_audio_clock(is);
+        case sync_audio:
+            return has_audio ? get_audio_clock(is) : get_video_clock(is);
+        default:
+            return get_external_clock(is);
     }
 }
 

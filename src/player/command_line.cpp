@@ -34,21 +34,40 @@ float number(const char* text, double scale, double lower, double upper) {
 
 void read_number(int code, const char* text, PlayVideoArgs* args) {
     switch (code) {
-        case 'd': args->denoising = number(text, 1.0, 0.0, 60.0); break;
-        case 's': args->sharpening = number(text, 0.01, 0.0, 1.0); break;
-        case 'c': args->contrast = number(text, 0.01, -2.0, 2.0); break;
-        case 'b': args->brightness = number(text, 0.01, -0.5, 0.5); break;
-        case 't': args->temp_thresh = number(text, 1.0, 0.0, 40.0); break;
-        default: break;
+        case 'd':
+            args->denoising = number(text, 1.0, 0.0, 60.0);
+            break;
+        case 's':
+            args->sharpening = number(text, 0.01, 0.0, 1.0);
+            break;
+        case 'c':
+            args->contrast = number(text, 0.01, -2.0, 2.0);
+            break;
+        case 'b':
+            args->brightness = number(text, 0.01, -0.5, 0.5);
+            break;
+        case 't':
+            args->temp_thresh = number(text, 1.0, 0.0, 40.0);
+            break;
+        default:
+            break;
     }
 }
 
 void read_option(int code, const char* text, PlayVideoArgs* args) {
     switch (code) {
-        case 'l': args->loop = true; break;
-        case 'p': args->preload = true; break;
-        case 'f': args->fullscreen = true; break;
-        case 'g': args->demo = true; break;
+        case 'l':
+            args->loop = true;
+            break;
+        case 'p':
+            args->preload = true;
+            break;
+        case 'f':
+            args->fullscreen = true;
+            break;
+        case 'g':
+            args->demo = true;
+            break;
         case 'd':
         case 's':
         case 'c':
@@ -56,8 +75,10 @@ void read_option(int code, const char* text, PlayVideoArgs* args) {
         case 't':
             if (text) read_number(code, text, args);
             break;
-        case '?': break;
-        default: std::printf("?? getopt returned character code 0%o ??\n", unsigned(code));
+        case '?':
+            break;
+        default:
+            std::printf("?? getopt returned character code 0%o ??\n", unsigned(code));
     }
 }
 

@@ -31,8 +31,10 @@ class Demuxing {
     }
 
     void run() {
-        while (!is_->abort_request && !broken_) pass();
-        while (!is_->abort_request) SDL_Delay(close_poll_ms);
+        while (!is_->abort_request && !broken_)
+            pass();
+        while (!is_->abort_request)
+            SDL_Delay(close_poll_ms);
     }
 
   private:
@@ -86,7 +88,8 @@ class Demuxing {
     void preload() {
         stream_pause(is_);
         for (int i = 0; i < preload_passes && !is_->abort_request; ++i) {
-            while (!is_->abort_request && av_read_frame(is_->format_context.get(), packet_.get()) >= 0)
+            while (!is_->abort_request &&
+                   av_read_frame(is_->format_context.get(), packet_.get()) >= 0)
                 av_packet_unref(packet_.get());
             seek_file(is_, 0, AVSEEK_FLAG_BACKWARD, false);
         }
@@ -119,8 +122,8 @@ class Demuxing {
 
     void publish_position() {
         const int index = reference_stream(is_);
-        is_->position = timestamp_seconds(global_video_pkt_pts,
-                                          is_->format_context->streams[index]->time_base);
+        is_->position =
+            timestamp_seconds(global_video_pkt_pts, is_->format_context->streams[index]->time_base);
     }
 
     void handle_end_of_file() {
@@ -180,13 +183,15 @@ class Demuxing {
 
 void report_failure(VideoState* is) {
     is->failed = true;
-    while (!is->abort_request && !push_event(event_failed, is)) SDL_Delay(close_poll_ms);
+    while (!is->abort_request && !push_event(event_failed, is))
+        SDL_Delay(close_poll_ms);
 }
 
 }  // namespace
 
 int reference_stream(const VideoState* is) {
-    return is->video_stream_index >= 0 ? is->video_stream_index.load() : is->audio_stream_index.load();
+    return is->video_stream_index >= 0 ? is->video_stream_index.load()
+                                       : is->audio_stream_index.load();
 }
 
 bool reading_is_ahead(const VideoState* is) {

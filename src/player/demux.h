@@ -3,12 +3,12 @@
 
 #include "player/video_state.h"
 
-/// Thread body: opens the file, reads packets into the queues and carries out requests until the state
-/// is closed. `param` is the `VideoState`.
+/// Thread body: opens the file, reads packets into the queues and carries out requests until the
+/// state is closed. `param` is the `VideoState`.
 int decode_thread(void* param);
 
-/// Opens the decoder of a stream and what plays it. Returns 0, or -1 when the index is out of range or
-/// the stream cannot be played. [demux]
+/// Opens the decoder of a stream and what plays it. Returns 0, or -1 when the index is out of range
+/// or the stream cannot be played. [demux]
 int stream_component_open(VideoState* is, int stream_index);
 
 /// Stops and frees what `stream_component_open` made. [demux]

@@ -88,6 +88,10 @@ void hud_display(VideoState* /*is*/) {
     note_frame_shown(wall_clock());
 }
 
-void gui_display() { present_window(get_vsync() != 0); }
+void gui_display() {
+    present_window(get_vsync() != 0);
+}
 
-void set_swap_observer(SwapObserver observer) { swap_observer = observer; }
+void set_swap_observer(SwapObserver observer) {
+    swap_observer = observer;
+}

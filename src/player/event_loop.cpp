@@ -69,11 +69,18 @@ bool handle_event(const SDL_Event& event) {
             if (event.key.keysym.sym == SDLK_ESCAPE) return false;
             key_down(is, event.key.keysym);
             break;
-        case SDL_KEYUP: key_up(is, event.key.keysym); break;
-        case SDL_MOUSEBUTTONDOWN: mouse_down(event.button); break;
+        case SDL_KEYUP:
+            key_up(is, event.key.keysym);
+            break;
+        case SDL_MOUSEBUTTONDOWN:
+            mouse_down(event.button);
+            break;
         case SDL_QUIT:
-        case event_quit: return false;
-        case SDL_VIDEORESIZE: resize(event.resize.w, event.resize.h); break;
+        case event_quit:
+            return false;
+        case SDL_VIDEORESIZE:
+            resize(event.resize.w, event.resize.h);
+            break;
         case event_alloc_picture:
             if (is && event.user.data1 == is) alloc_picture(is);
             break;
@@ -82,9 +89,14 @@ bool handle_event(const SDL_Event& event) {
             // Whatever state the event was posted for: a film opened since is the one to show.
             video_refresh_timer(is);
             break;
-        case event_failed: stream_failed(static_cast<VideoState*>(event.user.data1)); break;
-        case event_end_of_stream: end_of_stream(static_cast<VideoState*>(event.user.data1)); break;
-        default: break;
+        case event_failed:
+            stream_failed(static_cast<VideoState*>(event.user.data1));
+            break;
+        case event_end_of_stream:
+            end_of_stream(static_cast<VideoState*>(event.user.data1));
+            break;
+        default:
+            break;
     }
     return true;
 }

@@ -58,19 +58,32 @@ void film_command(VideoState* is, SDLKey key) {
         return;
     }
     switch (key) {
-        case SDLK_l: flip_and_tell(is->loop, "Loop mode"); break;
-        case SDLK_m: flip_and_tell(is->show_motion_vectors, "Show motion vectors"); break;
-        case SDLK_q: flip_and_tell(is->show_quantization, "Show quantization factors"); break;
+        case SDLK_l:
+            flip_and_tell(is->loop, "Loop mode");
+            break;
+        case SDLK_m:
+            flip_and_tell(is->show_motion_vectors, "Show motion vectors");
+            break;
+        case SDLK_q:
+            flip_and_tell(is->show_quantization, "Show quantization factors");
+            break;
         case SDLK_o:
             set_infolabel(flip(master_settings.show_original) ? "Original" : "Processed");
             break;
-        case SDLK_s: set_infolabel(formatted("Status %s", on_off[flip(master_settings.status)])); break;
+        case SDLK_s:
+            set_infolabel(formatted("Status %s", on_off[flip(master_settings.status)]));
+            break;
         case SDLK_d:
             set_infolabel(formatted("Demo mode %s", on_off[flip(master_settings.demo_mode)]));
             break;
-        case SDLK_v: next_vsync(); break;
-        case SDLK_i: set_infolabel(stream_description(is)); break;
-        default: break;
+        case SDLK_v:
+            next_vsync();
+            break;
+        case SDLK_i:
+            set_infolabel(stream_description(is));
+            break;
+        default:
+            break;
     }
 }
 
@@ -92,11 +105,12 @@ std::string stream_description(const VideoState* is) {
     }
     const StreamInfo& video = is->video_info;
     std::string result =
-        formatted("Video codec: %s [%dx%d, %.1f fps]\nMode: %s, ST.ext: %s", video.codec_name.c_str(),
-             video.width, video.height, video.frame_rate, modes[is->yuv_direct], yesno[is->pbo_supported]);
+        formatted("Video codec: %s [%dx%d, %.1f fps]\nMode: %s, ST.ext: %s",
+                  video.codec_name.c_str(), video.width, video.height, video.frame_rate,
+                  modes[is->yuv_direct], yesno[is->pbo_supported]);
     if (has_audio) {
-        result += formatted("\nAudio codec: %s, bitrate: %d bps, channels: %d", sound.codec_name.c_str(),
-                       bits, sound.channels);
+        result += formatted("\nAudio codec: %s, bitrate: %d bps, channels: %d",
+                            sound.codec_name.c_str(), bits, sound.channels);
     }
     return result;
 }
@@ -110,18 +124,35 @@ void key_down(VideoState* is, const SDL_keysym& key) {
         case SDLK_s:
         case SDLK_d:
         case SDLK_v:
-        case SDLK_i: film_command(is, key.sym); break;
+        case SDLK_i:
+            film_command(is, key.sym);
+            break;
         case SDLK_SPACE:
             if (is) stream_pause(is);
             break;
-        case SDLK_UP: change_volume(1.0F); break;
-        case SDLK_DOWN: change_volume(-1.0F); break;
-        case SDLK_RIGHT: scan(is, stream_ffw); break;
-        case SDLK_LEFT: scan(is, stream_rewind); break;
-        case SDLK_KP_MINUS: change_speed(is, key, -1); break;
-        case SDLK_KP_PLUS: change_speed(is, key, 1); break;
-        case SDLK_F12: set_fullscreen(get_fullscreen() ? 0 : 1); break;
-        default: break;
+        case SDLK_UP:
+            change_volume(1.0F);
+            break;
+        case SDLK_DOWN:
+            change_volume(-1.0F);
+            break;
+        case SDLK_RIGHT:
+            scan(is, stream_ffw);
+            break;
+        case SDLK_LEFT:
+            scan(is, stream_rewind);
+            break;
+        case SDLK_KP_MINUS:
+            change_speed(is, key, -1);
+            break;
+        case SDLK_KP_PLUS:
+            change_speed(is, key, 1);
+            break;
+        case SDLK_F12:
+            set_fullscreen(get_fullscreen() ? 0 : 1);
+            break;
+        default:
+            break;
     }
 }
 

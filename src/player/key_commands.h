@@ -5,8 +5,8 @@
 
 #include <SDL.h>
 
-/// Carries out the command of a key that went down. `is` may be null. Escape belongs to the event loop.
-/// [main]
+/// Carries out the command of a key that went down. `is` may be null. Escape belongs to the event
+/// loop. [main]
 void key_down(VideoState* is, const SDL_keysym& key);
 
 /// Ends scanning when its key goes up. [main]

@@ -53,9 +53,13 @@ AVPacket* flush_packet() {
     return packet;
 }
 
-bool is_flush_packet(const AVPacket* packet) { return packet->data == flush_data; }
+bool is_flush_packet(const AVPacket* packet) {
+    return packet->data == flush_data;
+}
 
-bool is_empty_packet(const AVPacket* packet) { return !packet->data && packet->size == 0; }
+bool is_empty_packet(const AVPacket* packet) {
+    return !packet->data && packet->size == 0;
+}
 
 void packet_queue_init(PacketQueue* queue) {
     queue->first = queue->last = nullptr;
@@ -114,7 +118,8 @@ int packet_queue_get(PacketQueue* queue, AVPacket* packet, bool block) {
 
 void packet_queue_flush(PacketQueue* queue) {
     const MutexLock lock(queue->mutex);
-    while (queue->first) free_node(take_first(queue));
+    while (queue->first)
+        free_node(take_first(queue));
 }
 
 void packet_queue_abort(PacketQueue* queue) {

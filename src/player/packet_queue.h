@@ -36,15 +36,16 @@ bool is_empty_packet(const AVPacket* packet);
 void packet_queue_init(PacketQueue* queue);
 
 /// Appends a packet and takes over its payload, leaving `packet` blank; one that owns no payload is
-/// copied, the flush packet is never. Returns 0, or -1 when memory runs out (`packet` is unchanged).
+/// copied, the flush packet is never. Returns 0, or -1 when memory runs out (`packet` is
+/// unchanged).
 int packet_queue_put(PacketQueue* queue, AVPacket* packet);
 
 /// Appends an empty packet for stream `stream_index`, unless one is waiting at the end already.
 /// Returns as `packet_queue_put`.
 int packet_queue_put_empty(PacketQueue* queue, int stream_index);
 
-/// Takes the oldest packet into `packet`. Returns 1 with a packet, 0 when there is none and `block` is
-/// false, -1 when the queue was aborted.
+/// Takes the oldest packet into `packet`. Returns 1 with a packet, 0 when there is none and `block`
+/// is false, -1 when the queue was aborted.
 int packet_queue_get(PacketQueue* queue, AVPacket* packet, bool block);
 
 /// Drops every waiting packet. The abort request stays as it is.

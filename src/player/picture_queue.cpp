@@ -13,7 +13,9 @@ namespace {
 constexpr int most_queued = 3;  // of four slots one stays on screen
 constexpr Uint32 slot_wait_ms = 100;
 
-bool closing(VideoState* is) { return is->abort_request || packet_queue_aborted(&is->video_queue); }
+bool closing(VideoState* is) {
+    return is->abort_request || packet_queue_aborted(&is->video_queue);
+}
 
 // Waits until a slot may be written. Returns false when the film is being closed.
 bool wait_for_free_slot(VideoState* is) {
@@ -45,7 +47,8 @@ void store(VideoState* is, VideoPicture& slot, FramePtr& frame) {
     if (!is->pbo_supported) {
         SDL_Surface* surface = slot.surface.get();
         SDL_LockSurface(surface);
-        fill_picture(is, *frame, static_cast<std::uint8_t*>(surface->pixels), surface->pitch, false);
+        fill_picture(is, *frame, static_cast<std::uint8_t*>(surface->pixels), surface->pitch,
+                     false);
         SDL_UnlockSurface(surface);
         return;
     }
@@ -60,9 +63,8 @@ void store(VideoState* is, VideoPicture& slot, FramePtr& frame) {
 }
 
 double sample_aspect(VideoState* is, const AVFrame& frame) {
-    const AVRational aspect =
-        av_guess_sample_aspect_ratio(is->format_context.get(), is->video_stream,
-                                     const_cast<AVFrame*>(&frame));
+    const AVRational aspect = av_guess_sample_aspect_ratio(
+        is->format_context.get(), is->video_stream, const_cast<AVFrame*>(&frame));
     return aspect.num > 0 && aspect.den > 0 ? av_q2d(aspect) : 0.0;
 }
 

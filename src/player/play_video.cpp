@@ -127,7 +127,8 @@ bool open_first_file(const PlayVideoArgs& args) {
     VideoState* is = stream_open(args.filename, args.title, format,
                                  {args.loop, args.preload, args.postprocessing_callback});
     if (!is || !args.preload) return true;
-    while (is->preload && !quit_is_waiting()) SDL_Delay(1);
+    while (is->preload && !quit_is_waiting())
+        SDL_Delay(1);
     if (is->paused && !is->preload) stream_pause(is);
     return true;
 }

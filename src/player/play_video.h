@@ -8,19 +8,19 @@
 
 /// How the player starts. Clear the record to zero, then fill it.
 struct PlayVideoArgs {
-    std::int32_t size;        ///< of this record; later ones may be longer
-    char title[256];          ///< window caption
-    std::int32_t width;       ///< of the window in pixels; 0 x 0 takes the desktop's
+    std::int32_t size;   ///< of this record; later ones may be longer
+    char title[256];     ///< window caption
+    std::int32_t width;  ///< of the window in pixels; 0 x 0 takes the desktop's
     std::int32_t height;
     bool center_window;
     bool show_banner;
     bool fullscreen;
-    bool loop;                ///< start again at the end of the file
-    bool preload;             ///< read the file twice before it plays
-    double rate;              ///< reserved
-    char filename[256];       ///< file or "cam:" device to open, empty for none
+    bool loop;           ///< start again at the end of the file
+    bool preload;        ///< read the file twice before it plays
+    double rate;         ///< reserved
+    char filename[256];  ///< file or "cam:" device to open, empty for none
     PostprocessingCallback postprocessing_callback;
-    float denoising;          ///< values for settings; 0 leaves the setting alone
+    float denoising;  ///< values for settings; 0 leaves the setting alone
     float sharpening;
     float contrast;
     float brightness;
@@ -30,8 +30,8 @@ struct PlayVideoArgs {
 static_assert(sizeof(void*) != 8 || sizeof(PlayVideoArgs) == 576);
 static_assert(sizeof(void*) != 8 || offsetof(PlayVideoArgs, postprocessing_callback) == 544);
 
-/// Runs the player until the user quits. Returns 0 then, and 1 when it cannot start, with the reason on
-/// standard error. Of the record only the size of the window is written. [main]
+/// Runs the player until the user quits. Returns 0 then, and 1 when it cannot start, with the
+/// reason on standard error. Of the record only the size of the window is written. [main]
 int play_video(PlayVideoArgs* args);
 
 /// Fixed state of OpenGL, and vertical synchronisation on. [main]

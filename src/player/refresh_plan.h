@@ -28,7 +28,7 @@ double picture_delay(RefreshClocks& clocks, const RefreshInput& in);
 
 /// Decides about the picture at the read index and moves the clocks on.
 ///
-/// On time, the sub-frame is displayed. Late, it is skipped; the picture goes with its last sub-frame.
-/// A second or more behind, or late because there was no picture before, the time line starts again at
-/// now: a slow machine shows fewer pictures, but shows them.
+/// On time, the sub-frame is displayed. Late, it is skipped; the picture goes with its last
+/// sub-frame. A second or more behind, or late because there was no picture before, the time line
+/// starts again at now: a slow machine shows fewer pictures, but shows them.
 RefreshPlan plan_refresh(RefreshClocks& clocks, const RefreshInput& in);

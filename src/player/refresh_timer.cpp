@@ -80,11 +80,12 @@ Uint32 sdl_refresh_timer_cb(Uint32 /*interval*/, void* param) {
 }
 
 void wait_event(SDL_Event* event) {
-    // The compatibility library wakes up for an event. The classic one polls in steps of 10 ms, so it
-    // is polled in finer ones. Only the former has a patch level of 50 and above.
+    // The compatibility library wakes up for an event. The classic one polls in steps of 10 ms, so
+    // it is polled in finer ones. Only the former has a patch level of 50 and above.
     static const bool wakes_up = SDL_Linked_Version()->patch >= 50;
     if (wakes_up) {
         if (SDL_WaitEvent(event)) return;
     }
-    while (!SDL_PollEvent(event)) SDL_Delay(1);
+    while (!SDL_PollEvent(event))
+        SDL_Delay(1);
 }

@@ -12,14 +12,15 @@ extern std::atomic<bool> refresh_scheduled;
 /// and there is a picture, or a form is visible. [main]
 bool maximize_fps(const VideoState* is);
 
-/// Asks for a refresh in `ms` milliseconds; at once when refreshes run freely. `is` may be null. [main]
+/// Asks for a refresh in `ms` milliseconds; at once when refreshes run freely. `is` may be null.
+/// [main]
 void schedule_refresh(VideoState* is, int ms);
 
 /// One-shot SDL timer callback: posts the refresh whose due time `param` carries. [timer]
 Uint32 sdl_refresh_timer_cb(Uint32 interval, void* param);
 
-/// The interval to arm SDL's timer with for a refresh in `ms`: the step of 10 ms below it. SDL's own
-/// steps are that coarse; the callback sleeps the rest.
+/// The interval to arm SDL's timer with for a refresh in `ms`: the step of 10 ms below it. SDL's
+/// own steps are that coarse; the callback sleeps the rest.
 int timer_interval(int ms);
 
 /// Waits for the next event. [main]

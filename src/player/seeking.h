@@ -9,6 +9,6 @@
 /// another place. [demux]
 bool carry_out_seek(VideoState* is);
 
-/// Seeks to `target` (microseconds, not before the start of the file). A plain forward seek that finds
-/// nothing is tried backwards once. Returns whether it worked. [demux]
+/// Seeks to `target` (microseconds, not before the start of the file). A plain forward seek that
+/// finds nothing is tried backwards once. Returns whether it worked. [demux]
 bool seek_file(VideoState* is, std::int64_t target, int flags, bool try_backwards);

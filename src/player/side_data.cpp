@@ -91,12 +91,16 @@ bool exports_motion_vectors(AVCodecID codec) {
         case AV_CODEC_ID_WMV1:
         case AV_CODEC_ID_WMV2:
         case AV_CODEC_ID_RV10:
-        case AV_CODEC_ID_RV20: return true;
-        default: return false;
+        case AV_CODEC_ID_RV20:
+            return true;
+        default:
+            return false;
     }
 }
 
-bool vectors_allow_frame_threads(AVCodecID codec) { return !exports_motion_vectors(codec); }
+bool vectors_allow_frame_threads(AVCodecID codec) {
+    return !exports_motion_vectors(codec);
+}
 
 void read_motion_vectors(VideoPicture* slot, const AVFrame* frame, AVCodecID codec) {
     slot->block_width = slot->block_height = cell;

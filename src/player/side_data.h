@@ -7,13 +7,13 @@
 /// Whether decoders of this codec tell how blocks moved.
 bool exports_motion_vectors(AVCodecID codec);
 
-/// Whether such a decoder gives the same vectors when pictures are decoded side by side. Where it does
-/// not, only the slices of a picture are.
+/// Whether such a decoder gives the same vectors when pictures are decoded side by side. Where it
+/// does not, only the slices of a picture are.
 bool vectors_allow_frame_threads(AVCodecID codec);
 
-/// Sets the sizes of the slot's grids for `frame` and fills its motion vectors: for predicted pictures
-/// the vector of the partition that covers a cell, in whole pixels, from the previous picture; for all
-/// others (0, 0). The grid stays empty for codecs that tell no vectors. [video]
+/// Sets the sizes of the slot's grids for `frame` and fills its motion vectors: for predicted
+/// pictures the vector of the partition that covers a cell, in whole pixels, from the previous
+/// picture; for all others (0, 0). The grid stays empty for codecs that tell no vectors. [video]
 void read_motion_vectors(VideoPicture* slot, const AVFrame* frame, AVCodecID codec);
 
 /// Fills the slot's quantisers, 0 to 127; 1 where the decoder tells none. Call after

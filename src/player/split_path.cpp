@@ -5,7 +5,9 @@
 
 namespace {
 
-bool is_separator(char c) { return c == '\\' || c == '/'; }
+bool is_separator(char c) {
+    return c == '\\' || c == '/';
+}
 
 void assign(std::string* out, const char* first, const char* last) {
     if (out) out->assign(first, last);
@@ -29,7 +31,8 @@ void _splitpath(const char* path, std::string* drive, std::string* directory, st
         --base;
         if (*base == '.' && dot == end) dot = base;
     }
-    // What follows a later colon belongs to neither the name nor, without a dot, anything before it.
+    // What follows a later colon belongs to neither the name nor, without a dot, anything before
+    // it.
     assign(extension, dot, terminator);
     assign(name, base, dot);
     assign(directory, rest, base);

@@ -146,7 +146,8 @@ void stream_close(VideoState* is) {
 }
 
 void close_all_streams() {
-    while (!records().open.empty()) stream_close(records().open.front().get());
+    while (!records().open.empty())
+        stream_close(records().open.front().get());
 }
 
 bool stream_is_open(const VideoState* is) {

@@ -16,8 +16,8 @@ struct StreamOptions {
 VideoState* stream_open(const char* name, const char* title, const AVInputFormat* format,
                         const StreamOptions& options = {});
 
-/// Stops every thread of the state and frees what it holds. The record itself stays readable. Closing
-/// twice does nothing the second time. [main]
+/// Stops every thread of the state and frees what it holds. The record itself stays readable.
+/// Closing twice does nothing the second time. [main]
 void stream_close(VideoState* is);
 
 /// Closes whatever is open, failed files that nobody has closed yet included. [main]
@@ -26,8 +26,8 @@ void close_all_streams();
 /// Whether `is` is a state that was opened and not yet closed. [main]
 bool stream_is_open(const VideoState* is);
 
-/// Asks for a seek to `position` (microseconds), backwards when `direction` is below 0. Dropped while
-/// another is pending. [main]
+/// Asks for a seek to `position` (microseconds), backwards when `direction` is below 0. Dropped
+/// while another is pending. [main]
 void stream_seek(VideoState* is, std::int64_t position, int direction);
 
 /// Toggles the pause and ends scanning. The video clock goes on where it stopped. [main]
@@ -38,6 +38,6 @@ void stream_pause(VideoState* is);
 void stream_rewind(VideoState* is);
 void stream_ffw(VideoState* is);
 
-/// Whether the codec library is to give up what it is waiting for. `opaque` is the `VideoState`, null
-/// for the current one.
+/// Whether the codec library is to give up what it is waiting for. `opaque` is the `VideoState`,
+/// null for the current one.
 int decode_interrupt_cb(void* opaque);

@@ -85,8 +85,10 @@ int stream_component_open(VideoState* is, int stream_index) {
     AVStream* stream = stream_at(is, stream_index);
     if (!stream) return -1;
     switch (stream->codecpar->codec_type) {
-        case AVMEDIA_TYPE_VIDEO: return open_video(is, stream, stream_index);
-        default: return -1;
+        case AVMEDIA_TYPE_VIDEO:
+            return open_video(is, stream, stream_index);
+        default:
+            return -1;
     }
 }
 

@@ -92,7 +92,8 @@ void note_frame_shown(std::int64_t now) {
 
 double video_estimate_fps() {
     const std::int64_t newest =
-        lastframe_timestamp[(lastframe_timestamp_qi + timestamp_ring_size - 1) % timestamp_ring_size];
+        lastframe_timestamp[(lastframe_timestamp_qi + timestamp_ring_size - 1) %
+                            timestamp_ring_size];
     const std::int64_t oldest = lastframe_timestamp[lastframe_timestamp_qi];
     constexpr double intervals = 31000000.0;
     const double instant =
@@ -101,7 +102,9 @@ double video_estimate_fps() {
     return video_fps;
 }
 
-bool video_suppressed() { return false; }
+bool video_suppressed() {
+    return false;
+}
 
 void release_picture(VideoState* is) {
     is->clocks.subframe_counter = 0;

@@ -20,8 +20,8 @@ double video_estimate_fps();
 /// Whether something hides the picture completely, so that only the interface is drawn. [main]
 bool video_suppressed();
 
-/// Handles one refresh event: decides what to show, asks for the next refresh, and draws. `is` may be
-/// null. [main]
+/// Handles one refresh event: decides what to show, asks for the next refresh, and draws. `is` may
+/// be null. [main]
 void video_refresh_timer(VideoState* is);
 
 /// Gives the slot at the read index back to the video thread. [main]

@@ -37,9 +37,9 @@ struct RefreshClocks {
 
 /// The state of one opened file.
 ///
-/// Made by `stream_open`, ended by `stream_close`, both on the main thread. The record stays readable
-/// after it was closed, so that a pointer in a late event does no harm. Fields that two threads share
-/// are atomic, or guarded as said.
+/// Made by `stream_open`, ended by `stream_close`, both on the main thread. The record stays
+/// readable after it was closed, so that a pointer in a late event does no harm. Fields that two
+/// threads share are atomic, or guarded as said.
 struct VideoState {
     // The input. [demux]
     FormatInputPtr format_context;
@@ -72,8 +72,8 @@ struct VideoState {
 
     // Clocks.
     RefreshClocks clocks;
-    bool starved = true;      ///< no picture was there at the last refresh. [main]
-    int pictures_unseen = 0;  ///< pictures that came too late to be shown. [main]
+    bool starved = true;                   ///< no picture was there at the last refresh. [main]
+    int pictures_unseen = 0;               ///< pictures that came too late to be shown. [main]
     std::atomic<double> video_clock{0.0};  ///< predicted time of the next picture. [video]
     std::atomic<double> video_current_pts{0.0};
     std::atomic<std::int64_t> video_current_pts_time{0};
@@ -91,21 +91,21 @@ struct VideoState {
     bool show_quantization = false;    ///< [main]
     std::atomic<int> playback_speed_index{4};
 
-    // Picture queue. Size and `allocated` are guarded by picture_queue_mutex; the slots queued belong
-    // to [main], the one at the write index to [video].
+    // Picture queue. Size and `allocated` are guarded by picture_queue_mutex; the slots queued
+    // belong to [main], the one at the write index to [video].
     std::array<VideoPicture, picture_slots> pictures;
     int picture_queue_size = 0;
-    int picture_queue_rindex = 0;        ///< [main]
-    int picture_queue_windex = 0;        ///< [video]
-    bool slot_requested = false;         ///< the slot at the write index wants storage
-    int slot_width = 0;                  ///< of that size
+    int picture_queue_rindex = 0;  ///< [main]
+    int picture_queue_windex = 0;  ///< [video]
+    bool slot_requested = false;   ///< the slot at the write index wants storage
+    int slot_width = 0;            ///< of that size
     int slot_height = 0;
-    std::atomic<bool> yuv_direct{false};  ///< pictures can be converted on the GPU
+    std::atomic<bool> yuv_direct{false};        ///< pictures can be converted on the GPU
     std::atomic<bool> decoder_finished{false};  ///< every picture of the file is queued
-    std::atomic<std::int64_t> seek_target{0};  ///< of the last seek, microseconds
-    std::int64_t last_seek_time = 0;           ///< wall time in microseconds. [demux]
-    std::atomic<int> seeks_done{0};            ///< seeks carried out. [demux]
-    std::atomic<int> seeks_seen{0};            ///< the newest whose first picture is queued. [video]
+    std::atomic<std::int64_t> seek_target{0};   ///< of the last seek, microseconds
+    std::int64_t last_seek_time = 0;            ///< wall time in microseconds. [demux]
+    std::atomic<int> seeks_done{0};             ///< seeks carried out. [demux]
+    std::atomic<int> seeks_seen{0};  ///< the newest whose first picture is queued. [video]
     MutexPtr picture_queue_mutex;
     CondPtr picture_queue_cond;
 

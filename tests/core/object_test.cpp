@@ -130,7 +130,8 @@ TEST(ObjectRef, GrowingAListKeepsTheCountRight) {
     auto* probe = new Probe(&destroyed);
     {
         std::vector<object_ref<Probe>> list;
-        for (int i = 0; i < 100; ++i) list.push_back(object_ref<Probe>(probe));
+        for (int i = 0; i < 100; ++i)
+            list.push_back(object_ref<Probe>(probe));
         EXPECT_EQ(probe->references(), 100);
     }
     EXPECT_EQ(destroyed, 1);

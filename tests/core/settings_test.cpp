@@ -72,14 +72,31 @@ TEST(Settings, TableIsExact) {
 
 TEST(Settings, ListHoldsTwentyTwoSnapshotsInTheirOwnOrder) {
     Settings settings;
-    const std::vector<std::string> names = {
-        "brightness", "contrast", "spatial upscaling factor", "upscaling algorithm",
-        "temporal upscaling factor", "denoising level", "sharpening level", "spatial zoom", "vsync",
-        "status", "demo mode", "motion interpolation method", "offload decoding tasks to GPU",
-        "h264/mpeg4 inloop deblocking filter", "volume", "balance", "EQlow", "EQmid", "EQhigh",
-        "stereo enhancer", "audio DNR level", "audio latency"};
+    const std::vector<std::string> names = {"brightness",
+                                            "contrast",
+                                            "spatial upscaling factor",
+                                            "upscaling algorithm",
+                                            "temporal upscaling factor",
+                                            "denoising level",
+                                            "sharpening level",
+                                            "spatial zoom",
+                                            "vsync",
+                                            "status",
+                                            "demo mode",
+                                            "motion interpolation method",
+                                            "offload decoding tasks to GPU",
+                                            "h264/mpeg4 inloop deblocking filter",
+                                            "volume",
+                                            "balance",
+                                            "EQlow",
+                                            "EQmid",
+                                            "EQhigh",
+                                            "stereo enhancer",
+                                            "audio DNR level",
+                                            "audio latency"};
     ASSERT_EQ(settings.list().size(), names.size());
-    for (std::size_t i = 0; i < names.size(); ++i) EXPECT_EQ(settings.list()[i].name(), names[i]);
+    for (std::size_t i = 0; i < names.size(); ++i)
+        EXPECT_EQ(settings.list()[i].name(), names[i]);
 
     settings.volume.setValue(5);
     for (const Value& value : settings.list()) {
