@@ -32,6 +32,16 @@ void set_rendertarget(int slot, gl_texture_resource* tex) {
     check_glerror("set_rendertarget");
 }
 
+void unbind_textures() {
+    for (int unit = 0; unit < binding_slots; ++unit) {
+        if (!textures[unit]) continue;
+        glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
+        glBindTexture(textures[unit]->target(), 0);
+        textures[unit] = nullptr;
+    }
+    glActiveTexture(GL_TEXTURE0);
+}
+
 void bind_window(int width, int height) {
     if (GLEW_EXT_framebuffer_object) glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, 0);
     glUseProgram(0);

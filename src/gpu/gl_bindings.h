@@ -27,6 +27,9 @@ void set_texture(int unit, gl_texture_resource* tex, int filter);
 /// ignored. The slot's framebuffer stays bound. [main]
 void set_rendertarget(int slot, gl_texture_resource* tex);
 
+/// Unbinds every texture that is recorded for the next pass. [main]
+void unbind_textures();
+
 /// Makes the window the target of what is drawn next: framebuffer 0, no program, unit 0, no pixel
 /// buffer, and a viewport of `width` x `height`. [main]
 void bind_window(int width, int height);

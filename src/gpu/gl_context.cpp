@@ -70,9 +70,12 @@ bool has_pixel_buffers() {
     return GLEW_EXT_pixel_buffer_object || GLEW_ARB_pixel_buffer_object;
 }
 
-void present_window(bool finish) {
+void finish_drawing() {
+    glFinish();
+}
+
+void present_window() {
     glDisable(GL_BLEND);
     glDisable(GL_LINE_SMOOTH);
-    if (finish) glFinish();
     SDL_GL_SwapBuffers();
 }

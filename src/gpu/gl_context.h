@@ -15,5 +15,8 @@ void reshape_gl(int width, int height);
 /// Whether pictures can travel through pixel-buffer objects.
 bool has_pixel_buffers();
 
-/// Shows what was drawn. With `finish`, waits until the driver has done its work first. [main]
-void present_window(bool finish);
+/// Waits until everything is drawn. [main]
+void finish_drawing();
+
+/// Shows what was drawn. [main]
+void present_window();

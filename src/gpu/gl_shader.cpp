@@ -105,12 +105,7 @@ void unbind_all(const GLenum* draw_buffers, int count) {
         check_glerror("gl_shader_resource::run(2)");
         rendertargets[slot] = nullptr;
     }
-    for (int unit = 0; unit < binding_slots; ++unit) {
-        if (!textures[unit]) continue;
-        glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
-        glBindTexture(textures[unit]->target(), 0);
-        textures[unit] = nullptr;
-    }
+    unbind_textures();
 }
 
 }  // namespace
@@ -170,7 +165,6 @@ void gl_shader_resource::run(SDL_Rect r) {
     draw_quad(r, target);
     unbind_all(draw_buffers, count);
     if (target) leave_target();
-    glActiveTexture(GL_TEXTURE0);
 }
 
 void gl_shader_resource::run() {

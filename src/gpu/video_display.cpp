@@ -59,9 +59,31 @@ void draw_textured_quad(const VideoPicture& pic, const gl_texture_resource& tex)
     glEnd();
 }
 
+// Whether this picture goes from its planes to the window, without a texture between.
+bool goes_directly(const DisplayView& view, const VideoPicture& pic) {
+    return pic.buffer_filled && pic.buffer_is_yuv && !pic.uploaded && !view.hook && !view.rewind &&
+           !view.fast_forward && pictures_stay_untouched();
+}
+
+void prepare(const DisplayView& view, VideoPicture& pic, const EnhancementFactors& factors) {
+    if (goes_directly(view, pic)) {
+        upload_planes(pic, view.planes);
+        view.shown = nullptr;
+        view.step = false;
+    } else {
+        VideoPicture& prev = slot(view, view.read_index + picture_slots - 1);
+        prepare_picture(view, pic, prev, factors);
+    }
+    pic.seen = true;
+    view.shown_index = static_cast<int>(&pic - view.slots);
+}
+
 void draw_shown(const DisplayView& view, const VideoPicture& pic, const SDL_Rect& r) {
     gl_texture_resource* tex = view.shown;
-    if (!tex) return;
+    if (!tex) {
+        if (view.planes.y) draw_planes(view.planes, pic.width, pic.height);
+        return;
+    }
     glEnable(tex->target());
     glBindTexture(tex->target(), tex->name());
     glTexParameteri(tex->target(), GL_TEXTURE_MIN_FILTER, GL_LINEAR);
@@ -101,11 +123,8 @@ bool display_picture(const DisplayView& view) {
         return false;
     }
     const EnhancementFactors factors = enhancement_factors(pic->width, pic->height);
-    const int index = static_cast<int>(pic - view.slots);
-    if (view.queued > 0 && index == view.read_index && refreshes(view)) {
-        VideoPicture& prev = slot(view, view.read_index + picture_slots - 1);
-        prepare_picture(view, *pic, prev, factors);
-        view.shown_index = index;
+    if (view.queued > 0 && pic == &slot(view, view.read_index) && refreshes(view)) {
+        prepare(view, *pic, factors);
     }
     SDL_Rect r = destination_rectangle(master_settings.spatial_zoom.toInt(), pic->height,
                                        display_aspect(pic->width, pic->height, pic->sample_aspect),

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "gpu/direct_display.h"
 #include "gpu/picture_upload.h"
 #include "gpu/postprocessing.h"
 #include "gpu/video_picture.h"
@@ -39,6 +40,7 @@ struct DisplayView {
     object_ref<gl_texture_resource>& staging;  ///< packed YUV on its way to RGB
     object_ref<gl_texture_resource>& output;   ///< where passes write the picture to show
     object_ref<gl_texture_resource>& shown;    ///< what the window shows: `output`, or a picture
+    DirectPlanes& planes;                      ///< what it shows where `shown` is null
 };
 
 /// Draws the picture and its overlays into the back buffer: uploads and converts what is new, runs

@@ -72,6 +72,8 @@ struct VideoPicture {
 
     /// The slot holds a complete picture.
     std::atomic<bool> ready{false};
+    /// The picture was on screen.
+    bool seen = false;
     /// `rgb` holds this picture.
     bool uploaded = false;
     /// `enhanced` holds this picture.
@@ -82,7 +84,7 @@ struct VideoPicture {
     bool converted = false;
 
     /// Forgets what the display made of the last picture in this slot.
-    void clear_flags() { uploaded = is_enhanced = buffer_filled = converted = false; }
+    void clear_flags() { seen = uploaded = is_enhanced = buffer_filled = converted = false; }
 
     /// The texture to show or to interpolate: the enhanced one once there is one.
     gl_texture_resource* source() const { return is_enhanced ? enhanced : rgb; }

@@ -7,9 +7,12 @@
 #include "platform/window.h"
 #include "player/clocks.h"
 #include "player/picture_queue.h"
+#include "player/refresh_plan.h"
 #include "player/video_refresh.h"
 
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 namespace {
 
@@ -29,6 +32,18 @@ class FilmSource : public PictureSource {
   private:
     VideoState* is_;
 };
+
+double seconds(std::int64_t microseconds) {
+    return static_cast<double>(microseconds) / 1000000.0;
+}
+
+// A picture that was drawn early waits for its time, which is near.
+void sleep_until(double due) {
+    constexpr double longest = 0.02;
+    const double wait = due - seconds(wall_clock());
+    if (wait > 0.0 && wait < longest)
+        std::this_thread::sleep_for(std::chrono::duration<double>(wait));
+}
 
 int queued_pictures(VideoState* is) {
     const MutexLock lock(is->picture_queue_mutex);
@@ -59,9 +74,15 @@ void video_display(VideoState* is) {
                            .source = source,
                            .staging = is->staging_texture,
                            .output = is->output_texture,
-                           .shown = is->shown_texture};
+                           .shown = is->shown_texture,
+                           .planes = is->direct_planes};
+    const std::int64_t begun = wall_clock();
     display_picture(view);
     hud_display(is);
+    finish_drawing();
+    RefreshClocks& clocks = is->clocks;
+    note_drawing_time(clocks, seconds(wall_clock() - begun));
+    if (!is->paused) sleep_until(clocks.displayed_due);
     gui_display();
     if (swap_observer) swap_observer(is, wall_clock());
 }
@@ -89,7 +110,8 @@ void hud_display(VideoState* /*is*/) {
 }
 
 void gui_display() {
-    present_window(get_vsync() != 0);
+    if (get_vsync()) finish_drawing();
+    present_window();
 }
 
 void set_swap_observer(SwapObserver observer) {

@@ -42,6 +42,15 @@ double picture_delay(RefreshClocks& clocks, const RefreshInput& in) {
     return delay;
 }
 
+double drawing_lead(const RefreshClocks& clocks, double interval) {
+    constexpr double reserve = 0.0007;
+    return std::min(clocks.drawing_time + reserve, interval * 0.5);
+}
+
+void note_drawing_time(RefreshClocks& clocks, double duration) {
+    clocks.drawing_time += 0.1 * (duration - clocks.drawing_time);
+}
+
 RefreshPlan plan_refresh(RefreshClocks& clocks, const RefreshInput& in) {
     const double delay = picture_delay(clocks, in) * (1.0 / in.speed);
     const double subframe = delay / in.n;
@@ -53,14 +62,17 @@ RefreshPlan plan_refresh(RefreshClocks& clocks, const RefreshInput& in) {
         clocks.interpolation_phase =
             static_cast<float>(std::clamp(in.n - ahead, 0.0, static_cast<double>(in.n)));
         clocks.subframe_counter = 0;
+        clocks.displayed_due = 0.0;
     } else {
         clocks.interpolation_phase = 0.0F;
+        clocks.displayed_due = clocks.frame_timer;
         clocks.frame_timer += subframe;
     }
 
     const double remaining = clocks.frame_timer - in.now;
     if (remaining > 0.0) {
-        const int ms = static_cast<int>(std::max(remaining, shortest_wait) * 1000.0 + 0.5);
+        const double lead = in.free_running ? 0.0 : drawing_lead(clocks, subframe);
+        const int ms = static_cast<int>(std::max(remaining - lead, shortest_wait) * 1000.0 + 0.5);
         return {true, !in.free_running && last_subframe(clocks, in.n), ms};
     }
     if (in.free_running) {

@@ -26,6 +26,13 @@ struct RefreshPlan {
 /// duration where that makes no sense; adjusted to the clock that is followed.
 double picture_delay(RefreshClocks& clocks, const RefreshInput& in);
 
+/// How long before a picture is due its drawing starts, so that it can be on screen in time. Never
+/// more than half of `interval`, the time between two pictures.
+double drawing_lead(const RefreshClocks& clocks, double interval);
+
+/// Takes in that drawing a picture took `duration`.
+void note_drawing_time(RefreshClocks& clocks, double duration);
+
 /// Decides about the picture at the read index and moves the clocks on.
 ///
 /// On time, the sub-frame is displayed. Late, it is skipped; the picture goes with its last

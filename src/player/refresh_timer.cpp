@@ -12,6 +12,8 @@ extern "C" {
 }
 
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 
 std::atomic<bool> refresh_scheduled{false};
@@ -23,6 +25,37 @@ namespace {
 constexpr int timer_step_ms = 10;
 constexpr Uint32 retry_ms = 10;
 constexpr int largest_temporal_factor = 4;
+
+// SDL's own wait looks for events in steps of 10 ms, classic and compatible library alike. The
+// player's events end this one at once; for the window's it looks often enough for a hand on the
+// keyboard.
+class WakeUp {
+  public:
+    void signal() {
+        {
+            const std::lock_guard lock(mutex_);
+            signalled_ = true;
+        }
+        condition_.notify_one();
+    }
+
+    void wait() {
+        std::unique_lock lock(mutex_);
+        condition_.wait_for(lock, input_poll, [this] { return signalled_; });
+        signalled_ = false;
+    }
+
+  private:
+    static constexpr std::chrono::milliseconds input_poll{4};
+
+    std::mutex mutex_;
+    std::condition_variable condition_;
+    bool signalled_ = false;
+};
+WakeUp& wake_up() {
+    static WakeUp one;
+    return one;
+}
 
 // Posts a refresh unless one is waiting. Returns false when SDL's queue was full.
 bool post_refresh() {
@@ -50,7 +83,9 @@ bool push_event(PlayerEvent event, VideoState* state) {
     message.type = static_cast<Uint8>(event);
     message.user.type = message.type;
     message.user.data1 = state;
-    return SDL_PushEvent(&message) == 0;
+    if (SDL_PushEvent(&message) != 0) return false;
+    wake_up().signal();
+    return true;
 }
 
 bool maximize_fps(const VideoState* is) {
@@ -80,12 +115,6 @@ Uint32 sdl_refresh_timer_cb(Uint32 /*interval*/, void* param) {
 }
 
 void wait_event(SDL_Event* event) {
-    // The compatibility library wakes up for an event. The classic one polls in steps of 10 ms, so
-    // it is polled in finer ones. Only the former has a patch level of 50 and above.
-    static const bool wakes_up = SDL_Linked_Version()->patch >= 50;
-    if (wakes_up) {
-        if (SDL_WaitEvent(event)) return;
-    }
     while (!SDL_PollEvent(event))
-        SDL_Delay(1);
+        wake_up().wait();
 }

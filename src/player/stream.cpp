@@ -86,6 +86,9 @@ void free_pictures(VideoState* is) {
     is->staging_texture = nullptr;
     is->output_texture = nullptr;
     is->shown_texture = nullptr;
+    is->direct_planes.y = nullptr;
+    is->direct_planes.u = nullptr;
+    is->direct_planes.v = nullptr;
     clear_texture_cache();
 }
 

@@ -49,12 +49,20 @@ bool refresh_picture(VideoState* is) {
     VideoPicture& pic = is->pictures[static_cast<std::size_t>(is->picture_queue_rindex)];
     is->video_current_pts = pic.pts;
     is->video_current_pts_time = wall_clock();
-    const RefreshPlan plan = plan_refresh(is->clocks, refresh_input(is, pic));
+    const RefreshInput in = refresh_input(is, pic);
+    const RefreshPlan plan = plan_refresh(is->clocks, in);
     is->starved = false;
-    if (plan.delay_ms >= 0) schedule_refresh(is, plan.delay_ms);
-    if (plan.display) video_display(is);
+    if (in.starved && plan.display) {
+        // The first picture takes long to draw. Time starts to count when it is on screen.
+        video_display(is);
+        is->clocks.frame_timer += static_cast<double>(wall_clock()) / 1e6 - in.now;
+        schedule_refresh(is, plan.delay_ms);
+    } else {
+        if (plan.delay_ms >= 0) schedule_refresh(is, plan.delay_ms);
+        if (plan.display) video_display(is);
+    }
     if (plan.release) {
-        if (!pic.uploaded) ++is->pictures_unseen;
+        if (!pic.seen) ++is->pictures_unseen;
         release_picture(is);
     }
     return plan.delay_ms >= 0;

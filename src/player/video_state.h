@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "gpu/direct_display.h"
 #include "gpu/postprocessing.h"
 #include "gpu/video_picture.h"
 #include "platform/sync.h"
@@ -27,7 +28,9 @@ struct StreamInfo {
 
 /// Refresh timing of the open film. [main], seconds unless said otherwise.
 struct RefreshClocks {
-    double frame_timer = 0.0;       ///< wall time at which the current sub-frame is due
+    double frame_timer = 0.0;       ///< wall time at which the next sub-frame is due
+    double displayed_due = 0.0;     ///< wall time at which the one on screen was; 0: at once
+    double drawing_time = 0.0;      ///< how long drawing takes, smoothed
     double frame_last_pts = 0.0;    ///< time stamp of the previous picture
     double frame_last_delay = 0.0;  ///< how long the previous picture lasted
     int subframe_counter = 0;       ///< sub-frames of this picture handled (fixed rate)
@@ -114,6 +117,7 @@ struct VideoState {
     object_ref<gl_texture_resource> staging_texture;
     object_ref<gl_texture_resource> output_texture;
     object_ref<gl_texture_resource> shown_texture;
+    DirectPlanes direct_planes;
 
     // Options of the opener, set before the demuxing thread starts.
     bool loop = false;  ///< [main]

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#include "gpu/direct_display.h"
+
+#include "core/settings.h"
+#include "gpu/display_effects.h"
+#include "gpu/gl_bindings.h"
+#include "gpu/gl_shader.h"
+#include "gpu/texture_cache.h"
+
+#include <shaders/direct_display.h>
+
+#include <cstdint>
+
+namespace {
+
+void upload_plane(object_ref<gl_texture_resource>& tex, int width, int height,
+                  std::uintptr_t offset) {
+    alloc_texture(tex, height, width, GL_LUMINANCE);
+    glBindTexture(tex->target(), tex->name());
+    glTexSubImage2D(tex->target(), 0, 0, 0, width, height, GL_LUMINANCE, GL_UNSIGNED_BYTE,
+                    reinterpret_cast<const void*>(offset));
+}
+
+void corner(const DirectPlanes& planes, int x, int y, int width, int height) {
+    const gl_texture_resource* const textures_by_unit[] = {planes.y, planes.u, planes.v};
+    for (GLenum unit = 0; unit < 3; ++unit) {
+        const gl_texture_resource& tex = *textures_by_unit[unit];
+        const bool texels = tex.target() != GL_TEXTURE_2D;
+        glMultiTexCoord2i(GL_TEXTURE0 + unit, texels ? x * tex.width() : x,
+                          texels ? y * tex.height() : y);
+    }
+    glVertex2i(x * width, y * height);
+}
+
+}  // namespace
+
+bool pictures_stay_untouched() {
+    return master_settings.spatial_upscaling_factor.toInt() == 0 &&
+           master_settings.upscaling_algorithm.toInt() == 0 &&
+           master_settings.temporal_upscaling_factor.toInt() == 0 &&
+           master_settings.sharpening_level.getValue() <= 0.0F &&
+           !master_settings.demo_mode.toBool() && !master_settings.show_original.toBool();
+}
+
+void upload_planes(const VideoPicture& pic, DirectPlanes& planes) {
+    const auto width = static_cast<std::uintptr_t>(pic.width);
+    const auto height = static_cast<std::uintptr_t>(pic.height);
+    glBindBuffer(GL_PIXEL_UNPACK_BUFFER, pic.pbo);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    upload_plane(planes.y, pic.width, pic.height, 0);
+    // A row of the buffer holds a row of U and a row of V.
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, pic.width);
+    upload_plane(planes.u, pic.width / 2, pic.height / 2, width * height);
+    upload_plane(planes.v, pic.width / 2, pic.height / 2, width * height + width / 2);
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+}
+
+void draw_planes(DirectPlanes& planes, int width, int height) {
+    const ColourAdjustment colour = colour_adjustment();
+    gl_shader_resource* program = compile_shader(yuv420p_planes, true);
+    set_texture(0, planes.y, GL_LINEAR);
+    set_texture(1, planes.u, GL_LINEAR);
+    set_texture(2, planes.v, GL_LINEAR);
+    program->begin();
+    program->setValue("texY", 0);
+    program->setValue("texU", 1);
+    program->setValue("texV", 2);
+    program->setValue("c", colour.c);
+    program->setValue("b", colour.b);
+    glBegin(GL_QUADS);
+    corner(planes, 0, 0, width, height);
+    corner(planes, 1, 0, width, height);
+    corner(planes, 1, 1, width, height);
+    corner(planes, 0, 1, width, height);
+    glEnd();
+    program->end();
+    unbind_textures();
+}
