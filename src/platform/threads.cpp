@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/threads.h"
 
-#include <pthread.h>
-
 #include <cassert>
+#include <csignal>
 
 namespace {
 
@@ -40,6 +39,16 @@ void set_thread_role(ThreadRole role) {
 
 ThreadRole thread_role() {
     return current_role;
+}
+
+void interrupt_system_call(pthread_t thread) {
+    // Nobody else uses this signal, and without a handler it does nothing.
+    static const bool installed = [] {
+        struct sigaction action = {};
+        action.sa_handler = [](int) {};  // no SA_RESTART: the call is not to go on
+        return sigaction(SIGURG, &action, nullptr) == 0;
+    }();
+    if (installed) pthread_kill(thread, SIGURG);
 }
 
 void assert_thread([[maybe_unused]] ThreadRole role) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pthread.h>
+
 /// The threads of the player. docs/architecture.md says what each owns.
 enum class ThreadRole {
     unnamed,  ///< not one of ours: a test, a library's own thread
@@ -17,6 +19,10 @@ void set_thread_role(ThreadRole role);
 
 /// The role of the calling thread.
 ThreadRole thread_role();
+
+/// Makes a system call that `thread` is blocked in return early, with EINTR. The thread must exist,
+/// joined by nobody yet. Any thread.
+void interrupt_system_call(pthread_t thread);
 
 /// Stops a debug build when a named thread other than `role` runs this. Unnamed threads may do
 /// anything: they belong to tests.

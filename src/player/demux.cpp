@@ -207,6 +207,7 @@ bool reading_is_ahead(const VideoState* is) {
 int decode_thread(void* param) {
     set_thread_role(ThreadRole::demux);
     auto* is = static_cast<VideoState*>(param);
+    is->demux_native = pthread_self();
     global_video_state = is;
     bool ok = false;
     {
@@ -221,5 +222,6 @@ int decode_thread(void* param) {
     stream_component_close(is, is->video_stream_index);
     is->format_context.reset();
     if (!ok) report_failure(is);
+    is->demux_finished = true;
     return 0;
 }

@@ -141,13 +141,12 @@ void init() {
 }
 
 void reshape(int width, int height) {
+    if (width <= 0 || height <= 0) return;
     reshape_gl(width, height);
     const auto w = static_cast<float>(width);
     const auto h = static_cast<float>(height);
     const float scale = std::min(h / 600.0F, w / 800.0F);
-    if (scale > 0.0F) {
-        screenRectangle = {-w / 2 / scale, -h / 2 / scale, w / scale, h / scale};
-    }
+    screenRectangle = {-w / 2 / scale, -h / 2 / scale, w / scale, h / scale};
     display_refresh_rate = get_display_refresh_rate();
 }
 

@@ -18,7 +18,8 @@ AVStream* stream_at(const VideoState* is, int index) {
 
 // Whether the last step of a scan has shown a picture, or has had its time.
 bool may_step(const VideoState* is) {
-    return is->seeks_seen == is->seeks_done || wall_clock() - is->last_seek_time >= scan_patience;
+    if (wall_clock() - is->last_seek_time >= scan_patience) return true;
+    return is->seeks_seen == is->seeks_done && !is->last_seek_failed;
 }
 
 void forget_queued(PacketQueue& queue) {
@@ -28,6 +29,7 @@ void forget_queued(PacketQueue& queue) {
 
 void restart_queues(VideoState* is, std::int64_t target) {
     is->seek_target = target;
+    is->last_seek_failed = false;
     is->last_seek_time = wall_clock();
     ++is->seeks_done;
     if (is->audio_stream_index >= 0) forget_queued(is->audio_queue);
@@ -78,7 +80,7 @@ bool carry_out_seek(VideoState* is) {
     } else {
         std::fprintf(stderr, "%s: error while seeking\n", is->filename.c_str());
         is->last_seek_time = wall_clock();
-        is->seeks_seen = is->seeks_done - 1;
+        is->last_seek_failed = true;
     }
     is->seek_request = false;
     return found;

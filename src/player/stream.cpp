@@ -92,6 +92,23 @@ void free_pictures(VideoState* is) {
     clear_texture_cache();
 }
 
+// The library looks at the abort request between system calls. Reads that block, from a pipe or a
+// device that stays silent, are broken off.
+void end_demux_thread(VideoState* is) {
+    constexpr Uint32 patience_ms = 100;
+    constexpr Uint32 poll_ms = 1;
+    is->abort_request = true;
+    const Uint32 start = SDL_GetTicks();
+    while (!is->demux_finished) {
+        SDL_Delay(poll_ms);
+        const bool blocked = SDL_GetTicks() - start > patience_ms;
+        const pthread_t thread = is->demux_native;
+        if (blocked && thread) interrupt_system_call(thread);
+    }
+    SDL_WaitThread(is->demux_thread, nullptr);
+    is->demux_thread = nullptr;
+}
+
 // Moves the record from the open ones to the closed ones. Returns false when it is not open.
 bool retire(const VideoState* is) {
     auto& open = records().open;
@@ -134,9 +151,7 @@ VideoState* stream_open(const char* name, const char* title, const AVInputFormat
 
 void stream_close(VideoState* is) {
     if (!is || !stream_is_open(is)) return;
-    is->abort_request = true;
-    SDL_WaitThread(is->demux_thread, nullptr);
-    is->demux_thread = nullptr;
+    end_demux_thread(is);
     free_pictures(is);
     is->scaler.reset();
     is->picture_queue_cond.reset();

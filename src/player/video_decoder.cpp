@@ -25,7 +25,6 @@ int thread_count() {
 void configure(AVCodecContext* codec, AVStream* stream) {
     codec->pkt_timebase = stream->time_base;
     codec->get_format = our_get_format;
-    codec->get_buffer2 = our_get_buffer;
     codec->flags2 |= AV_CODEC_FLAG2_EXPORT_MVS;
     codec->export_side_data |= AV_CODEC_EXPORT_DATA_VIDEO_ENC_PARAMS;
     codec->skip_loop_filter =
@@ -33,6 +32,12 @@ void configure(AVCodecContext* codec, AVStream* stream) {
     codec->thread_count = thread_count();
     codec->thread_type =
         vectors_allow_frame_threads(codec->codec_id) ? FF_THREAD_FRAME : FF_THREAD_SLICE;
+    // Version 59 of the library decodes with frame threads and a buffer callback only when a field
+    // is set that it calls deprecated. Speed matters more there than the stamp, which is for
+    // debugging.
+    if (codec->thread_type == FF_THREAD_SLICE || LIBAVCODEC_VERSION_MAJOR >= 60) {
+        codec->get_buffer2 = our_get_buffer;
+    }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "gpu/postprocessing.h"
 #include "gpu/video_picture.h"
 #include "platform/sync.h"
+#include "platform/threads.h"
 #include "player/packet_queue.h"
 #include "player/picture_scaler.h"
 
@@ -106,6 +107,7 @@ struct VideoState {
     std::atomic<bool> yuv_direct{false};        ///< pictures can be converted on the GPU
     std::atomic<bool> decoder_finished{false};  ///< every picture of the file is queued
     std::atomic<std::int64_t> seek_target{0};   ///< of the last seek, microseconds
+    bool last_seek_failed = false;              ///< [demux]
     std::int64_t last_seek_time = 0;            ///< wall time in microseconds. [demux]
     std::atomic<int> seeks_done{0};             ///< seeks carried out. [demux]
     std::atomic<int> seeks_seen{0};  ///< the newest whose first picture is queued. [video]
@@ -132,6 +134,8 @@ struct VideoState {
 
     // Threads.
     SDL_Thread* demux_thread = nullptr;
+    std::atomic<pthread_t> demux_native{};    ///< the same, for signals. [demux] sets it first
+    std::atomic<bool> demux_finished{false};  ///< its last act
     SDL_Thread* video_thread = nullptr;
     MutexPtr video_decoder_mutex;  ///< held around decoding, never while waiting for a slot
     MutexPtr audio_decoder_mutex;

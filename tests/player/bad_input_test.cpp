@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+// Files that are not as they should be: a clear failure or a film, never a hang, a crash or a
+// thread left behind; and the next film plays.
+
+#include "player/play_video.h"
+#include "player/video_refresh.h"
+#include "support/player_fixture.h"
+
+namespace {
+
+class BadInput : public PlayerTest {
+  protected:
+    void TearDown() override {
+        close_all_streams();
+        EXPECT_EQ(thread_count(), threads_);
+        VideoState* next = open("h264_nob.mp4");
+        EXPECT_EQ(take(next, 5).size(), 5U) << "the player is usable afterwards";
+        PlayerTest::TearDown();
+    }
+    void SetUp() override {
+        PlayerTest::SetUp();
+        threads_ = thread_count();
+    }
+
+  private:
+    int threads_ = 0;
+};
+
+TEST_F(BadInput, Fails) {
+    for (const char* name : {"text.mp4", "empty.mp4", "truncated.mp4", "/nowhere/film.mp4", "/tmp",
+                             "/dev/null", "cam:/dev/nothing"}) {
+        ::testing::internal::CaptureStderr();
+        VideoState* is = open(name);
+        EXPECT_TRUE(wait_until([&] { return failed(is); })) << name;
+        ::testing::internal::GetCapturedStderr();
+        EXPECT_EQ(is->video_stream_index, -1);
+        stream_close(is);
+    }
+}
+
+struct Playable {
+    const char* name;
+    std::size_t least;  ///< pictures
+    std::size_t most;
+    int width;
+    int height;
+};
+
+class StrangeFilms : public BadInput, public ::testing::WithParamInterface<Playable> {};
+
+TEST_P(StrangeFilms, Play) {
+    const Playable& film = GetParam();
+    ::testing::internal::CaptureStderr();
+    VideoState* is = open(film.name);
+    const std::vector<TakenPicture> pictures = take(is);
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_GE(pictures.size(), film.least);
+    EXPECT_LE(pictures.size(), film.most);
+    for (const TakenPicture& picture : pictures) {
+        EXPECT_EQ(picture.width, film.width);
+        EXPECT_EQ(picture.height, film.height);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Clips, StrangeFilms,
+                         ::testing::Values(Playable{"truncated.mkv", 40, 60, 320, 180},
+                                           Playable{"no_keys.mkv", 0, 96, 320, 180},
+                                           Playable{"odd_853x481.mkv", 25, 25, 853, 481},
+                                           Playable{"size_1x1.mkv", 25, 25, 1, 1},
+                                           Playable{"size_16x8.mkv", 25, 25, 16, 8},
+                                           Playable{"ten_bit.mkv", 25, 25, 320, 180},
+                                           Playable{"chroma_422.mkv", 25, 25, 320, 180},
+                                           Playable{"rgb.mkv", 25, 25, 320, 180},
+                                           Playable{"grey.mkv", 25, 25, 320, 180},
+                                           Playable{"wide_4000.mp4", 25, 25, 4000, 400},
+                                           Playable{"broken_sound.mkv", 100, 100, 320, 180}),
+                         clip_test_name<Playable>);
+
+TEST_F(BadInput, CoverArtIsNoFilm) {
+    VideoState* is = open("cover.mp3");
+    wait_until([&] { return failed(is) || is->audio_stream_index >= 0; });
+    EXPECT_EQ(is->video_stream_index, -1);
+}
+
+}  // namespace

@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+#include "player/event_loop.h"
+
+#include "core/settings.h"
+#include "gui/screen.h"
+#include "platform/window.h"
+#include "player/infolabel.h"
+#include "player/play_video.h"
+#include "player/refresh_timer.h"
+#include "support/player_fixture.h"
+
+namespace {
+
+TEST(DoubleClick, FollowsWithinAQuarterOfASecond) {
+    EXPECT_FALSE(DoubleClickDetected(1000)) << "the very first click";
+    EXPECT_TRUE(DoubleClickDetected(1250));
+    EXPECT_FALSE(DoubleClickDetected(1501));
+    EXPECT_TRUE(DoubleClickDetected(1502)) << "every click counts as the one before";
+}
+
+class EventLoopTest : public PlayerTest {
+  protected:
+    void TearDown() override {
+        Value& factor = master_settings.temporal_upscaling_factor;
+        factor.setValue(factor.default_value());
+        PlayerTest::TearDown();
+        SDL_Event event;
+        SDL_Delay(60);  // timers that are still armed post their last refresh
+        while (SDL_PollEvent(&event)) {}
+        refresh_scheduled = false;
+        set_video_mode(window_width, window_height);
+        reshape_gl_for_tests();
+    }
+
+    static void reshape_gl_for_tests() { reshape(window_width, window_height); }
+
+    static SDL_Event user(int type, VideoState* is) {
+        SDL_Event event{};
+        event.type = static_cast<Uint8>(type);
+        event.user.data1 = is;
+        return event;
+    }
+    static SDL_Event key(SDLKey symbol) {
+        SDL_Event event{};
+        event.type = SDL_KEYDOWN;
+        event.key.keysym.sym = symbol;
+        return event;
+    }
+
+    // Runs the real loop's events until `done` holds.
+    bool run_until(const std::function<bool()>& done, double seconds = 20.0) {
+        const Uint32 deadline = SDL_GetTicks() + static_cast<Uint32>(seconds * 1000);
+        while (!done()) {
+            SDL_Event event;
+            if (SDL_PollEvent(&event)) {
+                if (!handle_event(event)) return false;
+            } else if (SDL_GetTicks() > deadline) {
+                return false;
+            } else {
+                SDL_Delay(1);
+            }
+        }
+        return true;
+    }
+};
+
+TEST_F(EventLoopTest, EndsWithEscapeQuitAndItsOwnEvent) {
+    EXPECT_FALSE(handle_event(key(SDLK_ESCAPE)));
+    SDL_Event quit{};
+    quit.type = SDL_QUIT;
+    EXPECT_FALSE(handle_event(quit));
+    EXPECT_FALSE(handle_event(user(26, nullptr)));
+    EXPECT_TRUE(handle_event(key(SDLK_x)));
+}
+
+TEST_F(EventLoopTest, ResizeFollowsTheWindow) {
+    SDL_Event event{};
+    event.type = SDL_VIDEORESIZE;
+    event.resize.w = 500;
+    event.resize.h = 400;
+    EXPECT_TRUE(handle_event(event));
+    EXPECT_EQ(screen->w, 500);
+    EXPECT_EQ(screen->h, 400);
+    GLint viewport[4];
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    EXPECT_EQ(viewport[2], 500);
+}
+
+TEST_F(EventLoopTest, ReshapeSetsTheVirtualScreen) {
+    struct Case {
+        int w, h;
+        float x, y, width, height;
+    };
+    for (const Case& c : {Case{1600, 600, -800, -300, 1600, 600},
+                          {800, 600, -400, -300, 800, 600},
+                          {1600, 1200, -400, -300, 800, 600},
+                          {400, 600, -400, -600, 800, 1200}}) {
+        reshape(c.w, c.h);
+        EXPECT_FLOAT_EQ(screenRectangle.x, c.x);
+        EXPECT_FLOAT_EQ(screenRectangle.y, c.y);
+        EXPECT_FLOAT_EQ(screenRectangle.w, c.width);
+        EXPECT_FLOAT_EQ(screenRectangle.h, c.height);
+        EXPECT_EQ(display_refresh_rate, 60);
+    }
+    reshape(0, 0);
+    EXPECT_FLOAT_EQ(screenRectangle.w, 800) << "an empty window changes nothing";
+}
+
+TEST_F(EventLoopTest, PlaysAFilmAndLoops) {
+    master_settings.temporal_upscaling_factor.setValue(0);
+    VideoState* is = open("q7_mpeg4.avi", {.loop = true});
+    ASSERT_NE(is, nullptr);
+    schedule_refresh(is, 10);
+    double highest = 0.0;
+    bool restarted = false;
+    EXPECT_TRUE(run_until([&] {
+        const double now = is->video_current_pts;
+        restarted |= highest > 0.8 && now < 0.2;
+        highest = std::max(highest, now);
+        return restarted;
+    })) << "reached "
+        << highest;
+    EXPECT_FALSE(is->paused);
+    EXPECT_EQ(is->pictures_unseen, 0);
+}
+
+TEST_F(EventLoopTest, WithoutLoopTheEndPauses) {
+    master_settings.temporal_upscaling_factor.setValue(0);
+    VideoState* is = open("q7_mpeg4.avi");
+    schedule_refresh(is, 10);
+    EXPECT_TRUE(run_until([&] { return is->paused.load(); }));
+    EXPECT_NEAR(is->clocks.frame_last_pts, 0.96, 0.05) << "after the last picture";
+    EXPECT_FALSE(is->seek_request);
+}
+
+TEST_F(EventLoopTest, RefreshActsOnTheCurrentFilm) {
+    VideoState* old = open("q7_mpeg4.avi");
+    stream_close(old);
+    VideoState* current = open("q5_mpeg2.mpg");
+    ASSERT_TRUE(wait_until([&] { return head(current) != nullptr; }));
+    refresh_scheduled = true;
+    EXPECT_TRUE(handle_event(user(event_refresh, old)));
+    EXPECT_GE(current->shown_picture, 0) << "the stale pointer does not matter";
+}
+
+TEST_F(EventLoopTest, FailureIsShownAndClosed) {
+    VideoState* is = open("text.mp4");
+    ASSERT_NE(is, nullptr);
+    ::testing::internal::CaptureStderr();
+    EXPECT_TRUE(run_until([&] { return !stream_is_open(is); }));
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(infolabel_text, "Cannot display file " + clip("text.mp4") +
+                                  "!\nThe file format is either not supported or\n"
+                                  "the content can not be read.");
+    EXPECT_EQ(global_video_state, nullptr);
+    infolabel_text.clear();
+    EXPECT_TRUE(handle_event(user(event_failed, is)));
+    EXPECT_EQ(infolabel_text, "") << "a second event is dropped";
+}
+
+TEST_F(EventLoopTest, StaleEventsAreDropped) {
+    VideoState* old = open("q7_mpeg4.avi", {.loop = true});
+    stream_close(old);
+    VideoState* current = open("h264.mp4");
+    EXPECT_TRUE(handle_event(user(event_end_of_stream, old)));
+    EXPECT_FALSE(old->seek_request);
+    EXPECT_TRUE(handle_event(user(event_end_of_stream, nullptr)));
+    EXPECT_TRUE(handle_event(user(event_alloc_picture, old)));
+    EXPECT_FALSE(current->paused);
+}
+
+TEST_F(EventLoopTest, DoubleClickOnThePictureTogglesFullScreen) {
+    SDL_Event click{};
+    click.type = SDL_MOUSEBUTTONDOWN;
+    click.button.button = SDL_BUTTON_LEFT;
+    click.button.x = 160;
+    click.button.y = 120;
+    SDL_Delay(260);
+    handle_event(click);
+    EXPECT_FALSE(get_fullscreen());
+    handle_event(click);
+    EXPECT_TRUE(get_fullscreen());
+    SDL_Delay(260);
+    click.button.button = SDL_BUTTON_RIGHT;
+    handle_event(click);
+    handle_event(click);
+    EXPECT_TRUE(get_fullscreen()) << "only the left button";
+    set_fullscreen(0);
+}
+
+TEST_F(EventLoopTest, ClosedFilmLeavesTheWindowEmpty) {
+    EXPECT_TRUE(handle_event(user(event_refresh, nullptr)));
+    EXPECT_FALSE(refresh_scheduled);
+}
+
+}  // namespace

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+#include "player/picture_queue.h"
+
+#include "core/settings.h"
+#include "player/video_refresh.h"
+#include "support/player_fixture.h"
+
+#include <vector>
+
+namespace {
+
+FramePtr make_frame(int width, int height, AVPixelFormat format) {
+    FramePtr frame(av_frame_alloc());
+    frame->width = width;
+    frame->height = height;
+    frame->format = format;
+    av_frame_get_buffer(frame.get(), 0);
+    return frame;
+}
+
+TEST(FillPicture, PacksPlanesForTheGpu) {
+    const FramePtr frame = make_frame(6, 4, AV_PIX_FMT_YUV420P);
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 6; ++x) {
+            frame->data[0][y * frame->linesize[0] + x] = static_cast<std::uint8_t>(10 * y + x);
+        }
+    }
+    for (int y = 0; y < 2; ++y) {
+        for (int x = 0; x < 3; ++x) {
+            frame->data[1][y * frame->linesize[1] + x] =
+                static_cast<std::uint8_t>(100 + 10 * y + x);
+            frame->data[2][y * frame->linesize[2] + x] =
+                static_cast<std::uint8_t>(200 + 10 * y + x);
+        }
+    }
+    VideoState state;
+    std::vector<std::uint8_t> packed(6 * 3 * 4, 0xEE);
+    fill_picture(&state, *frame, packed.data(), 6 * 3, true);
+    const std::uint8_t expected[] = {0,   1,   2,   3,   4,   5,    //
+                                     10,  11,  12,  13,  14,  15,   //
+                                     20,  21,  22,  23,  24,  25,   //
+                                     30,  31,  32,  33,  34,  35,   //
+                                     100, 101, 102, 200, 201, 202,  //
+                                     110, 111, 112, 210, 211, 212};
+    EXPECT_TRUE(std::equal(std::begin(expected), std::end(expected), packed.begin()));
+    for (std::size_t i = std::size(expected); i < packed.size(); ++i)
+        EXPECT_EQ(packed[i], 0xEE);
+}
+
+TEST(FillPicture, ConvertsToRgbRows) {
+    const FramePtr frame = make_frame(5, 3, AV_PIX_FMT_GBRP);
+    for (int plane = 0; plane < 3; ++plane) {
+        for (int y = 0; y < 3; ++y) {
+            for (int x = 0; x < 5; ++x) {
+                frame->data[plane][y * frame->linesize[plane] + x] =
+                    static_cast<std::uint8_t>(80 * plane + 10 * y + x);
+            }
+        }
+    }
+    VideoState state;
+    constexpr int row_bytes = 20;  // longer than the picture's 15
+    std::vector<std::uint8_t> rgb(row_bytes * 3);
+    fill_picture(&state, *frame, rgb.data(), row_bytes, false);
+    for (int y = 0; y < 3; ++y) {
+        for (int x = 0; x < 5; ++x) {
+            const std::uint8_t* pixel = &rgb[static_cast<std::size_t>(y * row_bytes + x * 3)];
+            EXPECT_EQ(pixel[0], 160 + 10 * y + x) << "red is the third plane";
+            EXPECT_EQ(pixel[1], 10 * y + x);
+            EXPECT_EQ(pixel[2], 80 + 10 * y + x);
+        }
+    }
+}
+
+using PictureQueueTest = PlayerTest;
+
+TEST_F(PictureQueueTest, ThreeOfFourSlotsFill) {
+    VideoState* is = open("h264.mp4");
+    ASSERT_TRUE(wait_until([&] {
+        const MutexLock lock(is->picture_queue_mutex);
+        return is->picture_queue_size == 3;
+    }));
+    const Uint32 until = SDL_GetTicks() + 100;
+    while (SDL_GetTicks() < until)
+        pump();
+    EXPECT_EQ(is->picture_queue_size, 3) << "one slot stays with the picture on screen";
+    for (const int slot : {0, 1, 2}) {
+        const VideoPicture& picture = is->pictures[static_cast<std::size_t>(slot)];
+        EXPECT_TRUE(picture.ready);
+        EXPECT_NE(picture.pbo, 0U);
+        EXPECT_EQ(picture.width, 320);
+        EXPECT_FALSE(picture.uploaded || picture.is_enhanced || picture.buffer_filled ||
+                     picture.converted || picture.seen);
+    }
+}
+
+TEST_F(PictureQueueTest, ReleasingGoesRound) {
+    VideoState* is = open("h264.mp4");
+    for (int i = 0; i < 9; ++i) {
+        ASSERT_TRUE(wait_until([&] { return head(is) != nullptr; }));
+        EXPECT_EQ(is->picture_queue_rindex, i % 4);
+        is->clocks.subframe_counter = 1;
+        release_picture(is);
+        EXPECT_EQ(is->clocks.subframe_counter, 0);
+    }
+}
+
+TEST_F(PictureQueueTest, WhichFormatsAreConvertedOnTheGpu) {
+    struct Case {
+        const char* name;
+        bool direct;
+    };
+    for (const Case& c : {Case{"h264.mp4", true},
+                          {"odd_853x481.mkv", false},
+                          {"mjpeg.avi", false},
+                          {"ten_bit.mkv", false},
+                          {"chroma_422.mkv", false},
+                          {"grey.mkv", false}}) {
+        VideoState* is = open(c.name);
+        ASSERT_TRUE(wait_until([&] { return head(is) != nullptr; })) << c.name;
+        EXPECT_EQ(is->yuv_direct, c.direct) << c.name;
+        EXPECT_EQ(head(is)->yuv_direct, c.direct) << c.name;
+        stream_close(is);
+    }
+}
+
+TEST_F(PictureQueueTest, WithoutPixelBuffersPicturesAreConvertedAtOnce) {
+    __GLEW_EXT_pixel_buffer_object = GL_FALSE;
+    __GLEW_ARB_pixel_buffer_object = GL_FALSE;
+    VideoState* is = open("rgb.mkv");
+    ASSERT_TRUE(wait_until([&] { return head(is) != nullptr; }));
+    const VideoPicture* picture = head(is);
+    EXPECT_FALSE(is->pbo_supported);
+    EXPECT_FALSE(is->yuv_direct);
+    EXPECT_EQ(picture->pbo, 0U);
+    ASSERT_NE(picture->surface, nullptr);
+    EXPECT_EQ(picture->surface->format->BitsPerPixel, 24);
+    EXPECT_EQ(picture->surface->format->Rmask, 0xFFU);
+    const auto* pixels = static_cast<const std::uint8_t*>(picture->surface->pixels);
+    EXPECT_EQ(
+        read_number(320, 180,
+                    [&](int x, int y) {
+                        return static_cast<float>(pixels[y * picture->surface->pitch + x * 3]) /
+                               255.0F;
+                    }),
+        0);
+    EXPECT_GT(pixels[100 * picture->surface->pitch + 10 * 3], 200) << "testsrc2 is red on the left";
+    __GLEW_EXT_pixel_buffer_object = GL_TRUE;
+    __GLEW_ARB_pixel_buffer_object = GL_TRUE;
+}
+
+TEST_F(PictureQueueTest, ShapeOfPixelsTravelsWithThePicture) {
+    VideoState* is = open("aspect_anamorphic.mkv");
+    ASSERT_TRUE(wait_until([&] { return head(is) != nullptr; }));
+    EXPECT_NEAR(head(is)->sample_aspect, 16.0 / 15.0, 1e-6);
+}
+
+TEST_F(PictureQueueTest, StrayRequestForStorageDoesNothing) {
+    VideoState* is = open("h264.mp4");
+    ASSERT_TRUE(wait_until([&] { return head(is) != nullptr; }));
+    const GLuint before = is->pictures[0].pbo;
+    alloc_picture(is);
+    EXPECT_EQ(is->pictures[0].pbo, before);
+    EXPECT_TRUE(is->pictures[0].ready);
+}
+
+}  // namespace

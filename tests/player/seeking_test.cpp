@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: MIT
+#include "player/seeking.h"
+
+#include "player/clocks.h"
+#include "player/demux.h"
+#include "player/video_refresh.h"
+#include "support/player_fixture.h"
+
+#include <random>
+
+namespace {
+
+class SeekingTest : public PlayerTest {
+  protected:
+    // Drops pictures until one of after the last seek is at the head; its time, or -1.
+    double first_picture_after_seek(VideoState* is) {
+        double pts = -1.0;
+        wait_until([&] {
+            if (is->seek_request || is->seeks_seen != is->seeks_done) {
+                if (head(is)) release_picture(is);
+                return false;
+            }
+            while (VideoPicture* picture = head(is)) {
+                pts = picture->pts;
+                release_picture(is);
+                // The newest queued is the one that made the seek seen.
+                const MutexLock lock(is->picture_queue_mutex);
+                if (is->picture_queue_size == 0) return true;
+            }
+            return pts >= 0.0;
+        });
+        return pts;
+    }
+};
+
+TEST_F(SeekingTest, LandsOnKeyPictures) {
+    VideoState* is = open("h264.mp4");  // a key picture per second
+    take(is, 10);
+    stream_seek(is, 2000000, 0);
+    const double forward = first_picture_after_seek(is);
+    EXPECT_GE(forward, 1.9);
+    EXPECT_LE(forward, 2.3);
+    stream_seek(is, 1200000, -1);
+    const double backward = first_picture_after_seek(is);
+    EXPECT_GE(backward, 0.9);
+    EXPECT_LE(backward, 1.3) << "the key picture at or before the target";
+}
+
+TEST_F(SeekingTest, LateTargetsAreTriedBackwards) {
+    VideoState* is = open("h264.mp4");
+    take(is, 3);
+    ::testing::internal::CaptureStderr();
+    stream_seek(is, 3900000, 0);  // after the last key picture
+    const double pts = first_picture_after_seek(is);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_GE(pts, 2.9);
+}
+
+TEST_F(SeekingTest, TargetBeforeTheStartIsTheStart) {
+    for (const char* name : {"h264.mp4", "mpeg2.mpg", "mpeg4.avi", "h264.mkv"}) {
+        VideoState* is = open(name);
+        take(is, 60);
+        ::testing::internal::CaptureStderr();
+        stream_seek(is, -5000000, -1);
+        const double pts = first_picture_after_seek(is);
+        EXPECT_EQ(::testing::internal::GetCapturedStderr(), "") << name;
+        EXPECT_LT(pts - static_cast<double>(is->format_context->start_time) / 1e6, 0.4) << name;
+        stream_close(is);
+    }
+}
+
+TEST_F(SeekingTest, SecondRequestIsDropped) {
+    VideoState state;
+    stream_seek(&state, 1000000, 0);
+    stream_seek(&state, 3000000, -1);
+    EXPECT_TRUE(state.seek_request);
+    EXPECT_EQ(state.seek_position, 1000000);
+    EXPECT_EQ(state.seek_flags, 0);
+    VideoState other;
+    stream_seek(&other, 5, -1);
+    EXPECT_EQ(other.seek_flags, AVSEEK_FLAG_BACKWARD);
+}
+
+TEST_F(SeekingTest, PositionFollows) {
+    VideoState* is = open("h264.mp4");
+    take(is, 5);
+    EXPECT_NEAR(is->duration, 4.0, 0.1);
+    stream_seek(is, 2000000, 0);
+    EXPECT_TRUE(wait_until([&] { return is->position >= 1.9; }));
+    first_picture_after_seek(is);
+    EXPECT_EQ(is->seek_target, 2000000);
+}
+
+TEST_F(SeekingTest, FlushResetsThePredictedClock) {
+    VideoState* is = open("raw.m4v");  // no time stamps at all
+    take(is, 10);
+    const double before = is->video_clock;
+    EXPECT_GT(before, 0.3);
+    stream_seek(is, 0, -1);
+    EXPECT_LT(first_picture_after_seek(is), 0.2);
+    EXPECT_LT(is->video_clock, before);
+}
+
+TEST_F(SeekingTest, FastForwardStepsWithThePictures) {
+    VideoState* is = open("mpeg4_nob.avi");
+    take(is, 2);
+    ::testing::internal::CaptureStderr();
+    stream_ffw(is);
+    std::vector<double> seen;
+    const int first = is->seeks_done;
+    EXPECT_TRUE(wait_until([&] {
+        if (VideoPicture* picture = head(is)) {
+            seen.push_back(picture->pts);
+            release_picture(is);
+        }
+        return is->seeks_done >= first + 2;
+    }));
+    EXPECT_GE(seen.size(), 2U) << "every step gave a picture before the next";
+    EXPECT_GT(seen.back(), 1.2);
+    stream_pause(is);
+    EXPECT_FALSE(is->fast_forward);
+    EXPECT_FALSE(is->paused);
+    ::testing::internal::GetCapturedStderr();
+}
+
+TEST_F(SeekingTest, RewindGoesBackToTheStart) {
+    VideoState* is = open("h264.mp4");
+    take(is, 90);
+    ::testing::internal::CaptureStderr();
+    stream_rewind(is);
+    double lowest = 100.0;
+    EXPECT_TRUE(wait_until([&] {
+        if (VideoPicture* picture = head(is)) {
+            lowest = std::min(lowest, picture->pts);
+            release_picture(is);
+        }
+        return lowest < 0.2;
+    }));
+    stream_pause(is);
+    ::testing::internal::GetCapturedStderr();
+}
+
+TEST_F(SeekingTest, ScanBeyondTheEndIsReportedAndPlaybackGoesOn) {
+    VideoState* is = open("h264.mp4");
+    take(is, 5);
+    stream_seek(is, 3000000, 0);
+    first_picture_after_seek(is);
+    ::testing::internal::CaptureStderr();
+    stream_ffw(is);  // there is no key picture after this one
+    const Uint32 until = SDL_GetTicks() + 2500;
+    while (SDL_GetTicks() < until) {
+        pump();
+        if (head(is)) release_picture(is);
+        SDL_Delay(1);
+    }
+    const std::string text = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(text.find(clip("h264.mp4") + ": error while seeking\n"), 0U) << text;
+    EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 4) << "one a second, not one per pass";
+    stream_pause(is);
+    stream_seek(is, 0, -1);
+    EXPECT_LT(first_picture_after_seek(is), 0.4);
+}
+
+TEST_F(SeekingTest, TwoHundredRandomSeeksThenClose) {
+    std::mt19937 random(42);
+    for (const char* name : {"h264.mp4", "mpeg2.mpg", "mpeg4.avi", "vp9.webm"}) {
+        VideoState* is = open(name);
+        ASSERT_TRUE(wait_until([&] { return head(is) != nullptr; }));
+        ::testing::internal::CaptureStderr();
+        for (int i = 0; i < 200; ++i) {
+            const auto target = static_cast<std::int64_t>(random() % 5000000);
+            stream_seek(is, target, random() % 2 ? 1 : -1);
+            const Uint32 until = SDL_GetTicks() + static_cast<Uint32>(random() % 12);
+            do {
+                pump();
+                if (head(is) && random() % 2) release_picture(is);
+            } while (SDL_GetTicks() < until);
+        }
+        ::testing::internal::GetCapturedStderr();
+        const Uint32 closing = SDL_GetTicks();
+        stream_close(is);
+        EXPECT_LT(SDL_GetTicks() - closing, 1000U) << name;
+    }
+}
+
+TEST(ReadingAhead, LimitsOfTheQueues) {
+    VideoState state;
+    EXPECT_TRUE(reading_is_ahead(&state)) << "without streams there is nothing to read for";
+    state.video_stream_index = 0;
+    state.video_queue.packet_count = 8;
+    EXPECT_FALSE(reading_is_ahead(&state));
+    state.video_queue.packet_count = 9;
+    EXPECT_TRUE(reading_is_ahead(&state));
+
+    state.audio_stream_index = 1;
+    state.audio_queue.byte_size = 327680;
+    EXPECT_FALSE(reading_is_ahead(&state)) << "sound is short";
+    state.audio_queue.byte_size = 327681;
+    EXPECT_TRUE(reading_is_ahead(&state));
+    state.video_queue.packet_count = 8;
+    EXPECT_FALSE(reading_is_ahead(&state)) << "pictures are short";
+
+    state.audio_queue.byte_size = 0;
+    state.video_queue.byte_size = 32505856;
+    EXPECT_FALSE(reading_is_ahead(&state));
+    state.video_queue.byte_size = 32505857;
+    EXPECT_TRUE(reading_is_ahead(&state)) << "31 MiB in all";
+
+    VideoState sound;
+    sound.audio_stream_index = 0;
+    sound.audio_queue.byte_size = 327680;
+    EXPECT_FALSE(reading_is_ahead(&sound));
+    sound.audio_queue.byte_size = 327681;
+    EXPECT_TRUE(reading_is_ahead(&sound)) << "the sound alone decides";
+}
+
+}  // namespace
