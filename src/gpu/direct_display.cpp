@@ -13,9 +13,8 @@
 
 namespace {
 
-void upload_plane(object_ref<gl_texture_resource>& tex, int width, int height,
-                  std::uintptr_t offset) {
-    alloc_texture(tex, height, width, GL_LUMINANCE);
+// Replaces a plane from `offset` in the buffer that is bound.
+void upload_plane(const gl_texture_resource* tex, int width, int height, std::uintptr_t offset) {
     glBindTexture(tex->target(), tex->name());
     glTexSubImage2D(tex->target(), 0, 0, 0, width, height, GL_LUMINANCE, GL_UNSIGNED_BYTE,
                     reinterpret_cast<const void*>(offset));
@@ -43,6 +42,10 @@ bool pictures_stay_untouched() {
 }
 
 void upload_planes(const VideoPicture& pic, DirectPlanes& planes) {
+    // Before the buffer is bound: a new texture would be read from it.
+    alloc_texture(planes.y, pic.height, pic.width, GL_LUMINANCE);
+    alloc_texture(planes.u, pic.height / 2, pic.width / 2, GL_LUMINANCE);
+    alloc_texture(planes.v, pic.height / 2, pic.width / 2, GL_LUMINANCE);
     const auto width = static_cast<std::uintptr_t>(pic.width);
     const auto height = static_cast<std::uintptr_t>(pic.height);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, pic.pbo);

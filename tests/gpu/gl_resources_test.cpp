@@ -372,7 +372,7 @@ TEST_F(GlResourcesTest, BrokenProgramIsReturnedAndLoggedEachTime) {
     EXPECT_EQ(text.find(heading), 0U);
     EXPECT_NE(text.find(heading, 1), std::string::npos) << "appended, not replaced";
     EXPECT_GT(text.size(), 2 * heading.size() + 2);
-    while (glGetError() != GL_NO_ERROR) {}
+    expect_gl_errors(4);
 }
 
 TEST_F(GlResourcesTest, ErrorCheckReadsTheFlagOnce) {
@@ -380,6 +380,7 @@ TEST_F(GlResourcesTest, ErrorCheckReadsTheFlagOnce) {
     glEnable(0xFFFF);
     EXPECT_FALSE(check_glerror("here"));
     EXPECT_TRUE(check_glerror("here"));
+    expect_gl_errors(1);
 }
 
 TEST_F(GlResourcesTest, InPlacePassReadsOnlyItsOwnTexel) {

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <random>
 
@@ -83,6 +84,33 @@ float largest_difference(const Image& a, const Image& b, int channels) {
     return largest;
 }
 
+namespace {
+
+int gl_errors = 0;
+
+void GLAPIENTRY note_message(GLenum /*source*/, GLenum type, GLuint /*id*/, GLenum /*severity*/,
+                             GLsizei /*length*/, const GLchar* message, const void* /*user*/) {
+    if (type != GL_DEBUG_TYPE_ERROR) return;
+    ++gl_errors;
+    std::fprintf(stderr, "GL: %s\n", message);
+}
+
+// The driver tells of every error, also of those whose flag somebody reads and drops.
+void watch_errors() {
+    if (!GLEW_KHR_debug) return;
+    glEnable(GL_DEBUG_OUTPUT);
+    glEnable(GL_DEBUG_OUTPUT_SYNCHRONOUS);
+    glDebugMessageCallback(note_message, nullptr);
+}
+
+}  // namespace
+
+void GlTest::expect_gl_errors(int count) {
+    EXPECT_EQ(gl_errors, count);
+    gl_errors = 0;
+    while (glGetError() != GL_NO_ERROR) {}
+}
+
 void GlTest::SetUpTestSuite() {
     static bool ready = false;
     if (ready) return;
@@ -94,6 +122,7 @@ void GlTest::SetUpTestSuite() {
     ASSERT_TRUE(load_gl());
     init_gl_state();
     reshape_gl(window_width, window_height);
+    watch_errors();
     std::atexit(SDL_Quit);
     ready = true;
 }
@@ -104,7 +133,7 @@ void GlTest::SetUp() {
 }
 
 void GlTest::TearDown() {
-    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << "a GL error was left behind";
+    expect_gl_errors(0);
     for (int slot = 0; slot < binding_slots; ++slot) {
         EXPECT_EQ(textures[slot], nullptr) << "unit " << slot << " is still bound";
     }

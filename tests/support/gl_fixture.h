@@ -66,6 +66,9 @@ class GlTest : public ::testing::Test {
     void SetUp() override;
     void TearDown() override;
 
+    /// Asserts how many GL errors the test has caused so far; every test ends with 0.
+    static void expect_gl_errors(int count);
+
     /// A texture with the image in it. `format` 0 is the default float format.
     object_ref<gl_texture_resource> upload(const Image& image, int format = 0);
     /// What a texture holds, all four channels.
