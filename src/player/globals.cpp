@@ -2,6 +2,7 @@
 // Every global object that is constructed before `main`, in the order of construction.
 
 #include "audio/eq3band.h"
+#include "audio/noise_reduction.h"
 #include "audio/vol_pan_control.h"
 #include "core/settings.h"
 #include "gui/screen.h"
@@ -11,6 +12,7 @@ Settings& master_settings = *new Settings;
 
 VolPanControl vol_pan_control;
 Eq3Band eq3band[2];
+NoiseReduction audio_noisereduction;
 
 std::string infolabel_text;
 
