@@ -1,11 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Every global object that is constructed before `main`, in the order of construction.
 
+#include "audio/eq3band.h"
+#include "audio/noise_reduction.h"
+#include "audio/vol_pan_control.h"
 #include "core/settings.h"
 #include "gui/screen.h"
 #include "player/infolabel.h"
 
 Settings& master_settings = *new Settings;
+
+VolPanControl vol_pan_control;
+Eq3Band eq3band[2];
+NoiseReduction audio_noisereduction;
 
 std::string infolabel_text;
 
