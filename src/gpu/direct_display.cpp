@@ -14,20 +14,16 @@
 namespace {
 
 // Replaces a plane from `offset` in the buffer that is bound.
-void upload_plane(const gl_texture_resource* tex, int width, int height, std::uintptr_t offset) {
+void upload_plane(const gl_texture_resource* tex, GLenum format, std::uintptr_t offset) {
     glBindTexture(tex->target(), tex->name());
-    glTexSubImage2D(tex->target(), 0, 0, 0, width, height, GL_LUMINANCE, GL_UNSIGNED_BYTE,
+    glTexSubImage2D(tex->target(), 0, 0, 0, tex->width(), tex->height(), format, GL_UNSIGNED_BYTE,
                     reinterpret_cast<const void*>(offset));
 }
 
 void corner(const DirectPlanes& planes, int x, int y, int width, int height) {
-    const gl_texture_resource* const textures_by_unit[] = {planes.y, planes.u, planes.v};
-    for (GLenum unit = 0; unit < 3; ++unit) {
-        const gl_texture_resource& tex = *textures_by_unit[unit];
-        const bool texels = tex.target() != GL_TEXTURE_2D;
-        glMultiTexCoord2i(GL_TEXTURE0 + unit, texels ? x * tex.width() : x,
-                          texels ? y * tex.height() : y);
-    }
+    const gl_texture_resource& tex = *planes.y;
+    const bool texels = tex.target() != GL_TEXTURE_2D;
+    glTexCoord2i(texels ? x * tex.width() : x, texels ? y * tex.height() : y);
     glVertex2i(x * width, y * height);
 }
 
@@ -44,18 +40,13 @@ bool pictures_stay_untouched() {
 void upload_planes(const VideoPicture& pic, DirectPlanes& planes) {
     // Before the buffer is bound: a new texture would be read from it.
     alloc_texture(planes.y, pic.height, pic.width, GL_LUMINANCE);
-    alloc_texture(planes.u, pic.height / 2, pic.width / 2, GL_LUMINANCE);
-    alloc_texture(planes.v, pic.height / 2, pic.width / 2, GL_LUMINANCE);
+    alloc_texture(planes.uv, pic.height / 2, pic.width / 2, GL_LUMINANCE_ALPHA);
     const auto width = static_cast<std::uintptr_t>(pic.width);
     const auto height = static_cast<std::uintptr_t>(pic.height);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, pic.pbo);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    upload_plane(planes.y, pic.width, pic.height, 0);
-    // A row of the buffer holds a row of U and a row of V.
-    glPixelStorei(GL_UNPACK_ROW_LENGTH, pic.width);
-    upload_plane(planes.u, pic.width / 2, pic.height / 2, width * height);
-    upload_plane(planes.v, pic.width / 2, pic.height / 2, width * height + width / 2);
-    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+    upload_plane(planes.y, GL_LUMINANCE, 0);
+    upload_plane(planes.uv, GL_LUMINANCE_ALPHA, width * height);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
 }
@@ -64,12 +55,10 @@ void draw_planes(DirectPlanes& planes, int width, int height) {
     const ColourAdjustment colour = colour_adjustment();
     gl_shader_resource* program = compile_shader(yuv420p_planes, true);
     set_texture(0, planes.y, GL_LINEAR);
-    set_texture(1, planes.u, GL_LINEAR);
-    set_texture(2, planes.v, GL_LINEAR);
+    set_texture(1, planes.uv, GL_LINEAR);
     program->begin();
     program->setValue("texY", 0);
-    program->setValue("texU", 1);
-    program->setValue("texV", 2);
+    program->setValue("texUV", 1);
     program->setValue("c", colour.c);
     program->setValue("b", colour.b);
     glBegin(GL_QUADS);

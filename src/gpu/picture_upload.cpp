@@ -94,15 +94,15 @@ void delete_pixel_buffer(VideoPicture& pic) {
     pic.pbo = 0;
 }
 
-void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, bool yuv) {
+void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, BufferForm form) {
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, pic.pbo);
     if (void* memory = glMapBuffer(GL_PIXEL_UNPACK_BUFFER, GL_WRITE_ONLY)) {
-        source.fill_picture(pic, static_cast<std::uint8_t*>(memory), pic.width * 3, yuv);
+        source.fill_picture(pic, static_cast<std::uint8_t*>(memory), form);
         glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER);
     }
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
     pic.buffer_filled = true;
-    pic.buffer_is_yuv = yuv;
+    pic.buffer_form = form;
 }
 
 void upload_picture(VideoPicture& pic, const UploadOptions& options) {
@@ -111,7 +111,7 @@ void upload_picture(VideoPicture& pic, const UploadOptions& options) {
         alloc_texture(pic.enhanced, pic.height * options.factor, pic.width * options.factor, 0);
     if (replaced) pic.converted = pic.is_enhanced = false;
     upload_motion_vectors(pic);
-    if (pic.buffer_filled && pic.buffer_is_yuv) {
+    if (pic.buffer_filled && pic.buffer_form == BufferForm::packed) {
         upload_yuv(pic, options.staging);
     } else {
         if (pic.buffer_filled) {

@@ -11,10 +11,9 @@ class PictureSource {
   public:
     virtual ~PictureSource() = default;
 
-    /// Writes the picture into memory: with `yuv` as planes packed for shader_YUV420p_to_RGB
-    /// (3/2 x height rows of row_bytes / 3 bytes), else as 24-bit RGB rows of `row_bytes` bytes.
-    virtual void fill_picture(const VideoPicture& pic, std::uint8_t* destination, int row_bytes,
-                              bool yuv) = 0;
+    /// Writes the picture into memory of width x 3 x height bytes, in rows of width x 3 bytes for RGB
+    /// and of width bytes for the two forms of YUV.
+    virtual void fill_picture(const VideoPicture& pic, std::uint8_t* destination, BufferForm form) = 0;
 
     /// The clocks in seconds, for the post-processing hook.
     virtual double video_clock() = 0;
@@ -27,7 +26,7 @@ void delete_pixel_buffer(VideoPicture& pic);
 
 /// Fills the slot's pixel buffer from the source. The slot counts as filled also when the buffer
 /// could not be mapped. [main]
-void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, bool yuv);
+void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, BufferForm form);
 
 /// What an upload works with besides the picture.
 struct UploadOptions {

@@ -16,18 +16,27 @@ VideoPicture& slot(const DisplayView& view, int index) {
     return view.slots[index % picture_slots];
 }
 
+// Whether a picture that the GPU converts goes to the window without a texture between.
+bool may_go_directly(const DisplayView& view) {
+    return !view.hook && !view.rewind && !view.fast_forward && pictures_stay_untouched();
+}
+
+BufferForm wanted_form(const DisplayView& view, const VideoPicture& pic) {
+    const bool on_gpu = pic.yuv_direct && master_settings.upscaling_algorithm.toInt() == 0 &&
+                        master_settings.offload_decoding.toBool();
+    if (!on_gpu) return BufferForm::rgb;
+    return may_go_directly(view) ? BufferForm::interleaved : BufferForm::packed;
+}
+
 // Brings every queued picture into its buffer, in the form that its conversion needs now. Slots
 // that are not queued are left alone: the video thread may be writing them.
 void fill_pixel_buffers(const DisplayView& view) {
     if (!view.pixel_buffers) return;
-    const bool on_gpu = master_settings.upscaling_algorithm.toInt() == 0 &&
-                        master_settings.offload_decoding.toBool();
     for (int i = 0; i < view.queued; ++i) {
         VideoPicture& pic = slot(view, view.read_index + i);
-        const bool yuv = pic.yuv_direct && on_gpu;
         if (!pic.ready || !pic.pbo || pic.uploaded) continue;
-        if (!pic.buffer_filled || pic.buffer_is_yuv != yuv)
-            fill_pixel_buffer(pic, view.source, yuv);
+        const BufferForm form = wanted_form(view, pic);
+        if (!pic.buffer_filled || pic.buffer_form != form) fill_pixel_buffer(pic, view.source, form);
     }
 }
 
@@ -59,14 +68,8 @@ void draw_textured_quad(const VideoPicture& pic, const gl_texture_resource& tex)
     glEnd();
 }
 
-// Whether this picture goes from its planes to the window, without a texture between.
-bool goes_directly(const DisplayView& view, const VideoPicture& pic) {
-    return pic.buffer_filled && pic.buffer_is_yuv && !pic.uploaded && !view.hook && !view.rewind &&
-           !view.fast_forward && pictures_stay_untouched();
-}
-
 void prepare(const DisplayView& view, VideoPicture& pic, const EnhancementFactors& factors) {
-    if (goes_directly(view, pic)) {
+    if (pic.buffer_filled && pic.buffer_form == BufferForm::interleaved) {
         upload_planes(pic, view.planes);
         view.shown = nullptr;
         view.step = false;

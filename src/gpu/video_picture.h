@@ -17,6 +17,13 @@ struct MotionVector {
     std::int32_t y = 0;
 };
 
+/// How a picture of W x H lies in its pixel buffer. The last two need planar YUV 4:2:0 of even sizes.
+enum class BufferForm {
+    rgb,          ///< H rows of W times R, G, B
+    packed,       ///< H rows of W times Y; H/2 rows of W/2 times U, then W/2 times V
+    interleaved,  ///< H rows of W times Y; H/2 rows of W/2 times U, V
+};
+
 /// A decoded picture as planes. Only the player looks inside.
 struct DecodedFrame {
     virtual ~DecodedFrame() = default;
@@ -67,8 +74,8 @@ struct VideoPicture {
     GLuint pbo = 0;
     /// The picture can be converted on the GPU: planar YUV 4:2:0 of even width and height.
     bool yuv_direct = false;
-    /// `pbo` holds it packed for that, not as RGB.
-    bool buffer_is_yuv = false;
+    /// How `pbo` holds it, once it is filled.
+    BufferForm buffer_form = BufferForm::rgb;
 
     /// The slot holds a complete picture.
     std::atomic<bool> ready{false};

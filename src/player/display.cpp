@@ -22,9 +22,9 @@ SwapObserver swap_observer = nullptr;
 class FilmSource : public PictureSource {
   public:
     explicit FilmSource(VideoState* is) : is_(is) {}
-    void fill_picture(const VideoPicture& pic, std::uint8_t* destination, int row_bytes,
-                      bool yuv) override {
-        ::fill_picture(is_, pic, destination, row_bytes, yuv);
+    void fill_picture(const VideoPicture& pic, std::uint8_t* destination,
+                      BufferForm form) override {
+        ::fill_picture(is_, pic, destination, form);
     }
     double video_clock() override { return get_video_clock(is_); }
     double master_clock() override { return get_master_clock(is_); }

@@ -87,6 +87,20 @@ void pack_yuv(const AVFrame& frame, std::uint8_t* destination, int row_bytes) {
     copy_rows(chroma + half, stride, frame.data[2], frame.linesize[2], half, frame.height / 2);
 }
 
+void interleave_yuv(const AVFrame& frame, std::uint8_t* destination) {
+    const auto stride = static_cast<std::size_t>(frame.width);
+    copy_rows(destination, stride, frame.data[0], frame.linesize[0], frame.width, frame.height);
+    std::uint8_t* row = destination + stride * static_cast<std::size_t>(frame.height);
+    for (int y = 0; y < frame.height / 2; ++y, row += stride) {
+        const std::uint8_t* u = frame.data[1] + static_cast<std::ptrdiff_t>(y) * frame.linesize[1];
+        const std::uint8_t* v = frame.data[2] + static_cast<std::ptrdiff_t>(y) * frame.linesize[2];
+        for (int x = 0; x < frame.width / 2; ++x) {
+            row[2 * x] = u[x];
+            row[2 * x + 1] = v[x];
+        }
+    }
+}
+
 }  // namespace
 
 int queue_picture(VideoState* is, FramePtr& frame, double pts) {
@@ -140,11 +154,15 @@ void alloc_picture(VideoState* is) {
     SDL_CondSignal(is->picture_queue_cond.get());
 }
 
-void fill_picture(VideoState* is, const VideoPicture& pic, std::uint8_t* destination, int row_bytes,
-                  bool yuv) {
+void fill_picture(VideoState* is, const VideoPicture& pic, std::uint8_t* destination,
+                  BufferForm form) {
     if (!pic.frame) return;
-    fill_picture(is, *static_cast<const LibraryFrame&>(*pic.frame).frame, destination, row_bytes,
-                 yuv);
+    const AVFrame& frame = *static_cast<const LibraryFrame&>(*pic.frame).frame;
+    if (form == BufferForm::interleaved) {
+        interleave_yuv(frame, destination);
+    } else {
+        fill_picture(is, frame, destination, pic.width * 3, form == BufferForm::packed);
+    }
 }
 
 void fill_picture(VideoState* is, const AVFrame& frame, std::uint8_t* destination, int row_bytes,

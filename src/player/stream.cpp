@@ -87,8 +87,7 @@ void free_pictures(VideoState* is) {
     is->output_texture = nullptr;
     is->shown_texture = nullptr;
     is->direct_planes.y = nullptr;
-    is->direct_planes.u = nullptr;
-    is->direct_planes.v = nullptr;
+    is->direct_planes.uv = nullptr;
     clear_texture_cache();
 }
 

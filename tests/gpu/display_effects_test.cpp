@@ -26,7 +26,7 @@ struct Size {
 };
 const Size odd_and_even[] = {{1, 1}, {3, 5}, {17, 9}, {64, 48}, {2, 2}, {853, 3}};
 
-// Packed planes: rows 0 to H - 1 Y, below them U on the left and V on the right.
+// W x 3H/2 bytes of noise.
 std::vector<std::uint8_t> packed_noise(int width, int height, unsigned seed) {
     std::mt19937 random(seed);
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(width * (height + height / 2)));
@@ -239,17 +239,17 @@ TEST_F(DisplayEffects, PlanesGoStraightToTheWindow) {
             const Image shown = window();
             delete_pixel_buffer(pic);
 
-            const auto plane = [&](int x0, int y0, int w, int h) {
+            // Every `step`-th byte from `first` on, in rows of the picture's width.
+            const auto plane = [&](int first, int step, int w, int h) {
                 return make_image(w, h, [&](int x, int y) {
-                    const std::size_t i = static_cast<std::size_t>((y0 + y) * size.width + x0 + x);
+                    const std::size_t i = static_cast<std::size_t>(first + y * size.width + x * step);
                     return Rgba{static_cast<float>(bytes[i]) / 255.0F, 0, 0, 0};
                 });
             };
-            const int cw = size.width / 2;
-            const int ch = size.height / 2;
-            const Image y_plane = plane(0, 0, size.width, size.height);
-            const Image u_plane = plane(0, size.height, cw, ch);
-            const Image v_plane = plane(cw, size.height, cw, ch);
+            const int luma = size.width * size.height;
+            const Image y_plane = plane(0, 1, size.width, size.height);
+            const Image u_plane = plane(luma, 2, size.width / 2, size.height / 2);
+            const Image v_plane = plane(luma + 1, 2, size.width / 2, size.height / 2);
             const float c = std::exp2(master_settings.contrast.getValue());
             const float b = master_settings.brightness.getValue();
             const Image expected =

@@ -21,19 +21,17 @@ namespace {
 // Pictures of one colour, told apart by their time stamps.
 class MadeUpPictures : public PictureSource {
   public:
-    void fill_picture(const VideoPicture& pic, std::uint8_t* destination, int row_bytes,
-                      bool yuv) override {
-        fills.push_back({pic.pts, yuv});
+    void fill_picture(const VideoPicture& pic, std::uint8_t* destination,
+                      BufferForm form) override {
+        fills.push_back({pic.pts, form});
         const auto grey = static_cast<std::uint8_t>(pic.pts);
-        if (yuv) {
+        if (form != BufferForm::rgb) {
             const auto luma =
                 static_cast<std::size_t>(pic.width) * static_cast<std::size_t>(pic.height);
             std::fill_n(destination, luma, grey);
             std::fill_n(destination + luma, luma / 2, std::uint8_t{128});
         } else {
-            for (int row = 0; row < pic.height; ++row) {
-                std::fill_n(destination + row * row_bytes, pic.width * 3, grey);
-            }
+            std::fill_n(destination, pic.width * 3 * pic.height, grey);
         }
     }
     double video_clock() override { return 12.5; }
@@ -41,7 +39,7 @@ class MadeUpPictures : public PictureSource {
 
     struct Fill {
         double pts;
-        bool yuv;
+        BufferForm form;
     };
     std::vector<Fill> fills;
 };
@@ -202,7 +200,7 @@ TEST_F(VideoDisplayTest, EveryPictureIsFilledOnceAndOnlyWhileQueued) {
     slots_[3].ready = false;
     display(0, 3);
     ASSERT_EQ(source_.fills.size(), 3U);
-    EXPECT_TRUE(source_.fills[0].yuv);
+    EXPECT_EQ(source_.fills[0].form, BufferForm::interleaved);
     display(0, 3);
     EXPECT_EQ(source_.fills.size(), 3U);
     queue(3, 80);
@@ -229,7 +227,7 @@ TEST_F(VideoDisplayTest, ChangeOfConversionRefillsWhatWaits) {
     display(1, 1);
     ASSERT_EQ(source_.fills.size(), 3U);
     EXPECT_EQ(source_.fills[2].pts, 60);
-    EXPECT_FALSE(source_.fills[2].yuv);
+    EXPECT_EQ(source_.fills[2].form, BufferForm::rgb);
     EXPECT_TRUE(slots_[1].uploaded);
     EXPECT_NEAR(middle(), 60, 2) << "plain RGB is shown as it is";
 }
@@ -238,7 +236,7 @@ TEST_F(VideoDisplayTest, OtherFormatsAreConvertedByTheSource) {
     queue(0, 90, false);
     display(0, 1);
     ASSERT_EQ(source_.fills.size(), 1U);
-    EXPECT_FALSE(source_.fills[0].yuv);
+    EXPECT_EQ(source_.fills[0].form, BufferForm::rgb);
     EXPECT_NEAR(middle(), 90, 2);
 }
 

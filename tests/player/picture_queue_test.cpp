@@ -47,6 +47,30 @@ TEST(FillPicture, PacksPlanesForTheGpu) {
         EXPECT_EQ(packed[i], 0xEE);
 }
 
+TEST(FillPicture, InterleavesChroma) {
+    VideoState state;
+    VideoPicture slot;
+    auto kept = std::make_unique<LibraryFrame>();
+    kept->frame = make_frame(4, 2, AV_PIX_FMT_YUV420P);
+    AVFrame& frame = *kept->frame;
+    for (int i = 0; i < 4; ++i) {
+        frame.data[0][i] = static_cast<std::uint8_t>(i);
+        frame.data[0][frame.linesize[0] + i] = static_cast<std::uint8_t>(10 + i);
+    }
+    frame.data[1][0] = 100;
+    frame.data[1][1] = 101;
+    frame.data[2][0] = 200;
+    frame.data[2][1] = 201;
+    slot.frame = std::move(kept);
+    slot.width = 4;
+    slot.height = 2;
+    std::uint8_t bytes[13];
+    bytes[12] = 0xEE;
+    fill_picture(&state, slot, bytes, BufferForm::interleaved);
+    const std::uint8_t expected[] = {0, 1, 2, 3, 10, 11, 12, 13, 100, 200, 101, 201, 0xEE};
+    EXPECT_TRUE(std::equal(std::begin(bytes), std::end(bytes), std::begin(expected)));
+}
+
 TEST(FillPicture, ConvertsToRgbRows) {
     const FramePtr frame = make_frame(5, 3, AV_PIX_FMT_GBRP);
     for (int plane = 0; plane < 3; ++plane) {

@@ -5,20 +5,20 @@
 //
 // Target:  the window.
 // Unit 0:  texY, W x H, linear.
-// Unit 1:  texU, W/2 x H/2, linear.
-// Unit 2:  texV, W/2 x H/2, linear.
-// Taps:    3.
+// Unit 1:  texUV, U as luminance and V as alpha, W/2 x H/2, linear.
+// Taps:    2.
 // Neutral: c = 1, b = 0.
 uniform sampler2DRect texY;
-uniform sampler2DRect texU;
-uniform sampler2DRect texV;
+uniform sampler2DRect texUV;
 uniform float c;  // contrast, a factor
 uniform float b;  // brightness, added
 
 void main()
 {
-    float y = texture2DRect(texY, gl_TexCoord[0].st).r - 0.03125;
-    float u = texture2DRect(texU, gl_TexCoord[1].st).r - 0.5;
-    float v = texture2DRect(texV, gl_TexCoord[2].st).r - 0.5;
+    vec2 st = gl_TexCoord[0].st;
+    float y = texture2DRect(texY, st).r - 0.03125;
+    vec4 chroma = texture2DRect(texUV, 0.5 * st) - 0.5;
+    float u = chroma.r;
+    float v = chroma.a;
     gl_FragColor = vec4(y + 1.5960 * v, y - 0.3918 * u - 0.8130 * v, y + 2.0172 * u, 0.0) * c + b;
 }
