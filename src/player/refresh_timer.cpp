@@ -53,7 +53,7 @@ class WakeUp {
     bool signalled_ = false;
 };
 WakeUp& wake_up() {
-    static WakeUp one;
+    static auto& one = *new WakeUp;  // a timer may fire until the very end
     return one;
 }
 

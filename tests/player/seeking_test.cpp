@@ -106,17 +106,17 @@ TEST_F(SeekingTest, FastForwardStepsWithThePictures) {
     take(is, 2);
     ::testing::internal::CaptureStderr();
     stream_ffw(is);
-    std::vector<double> seen;
+    double highest = 0.0;
     const int first = is->seeks_done;
     EXPECT_TRUE(wait_until([&] {
         if (VideoPicture* picture = head(is)) {
-            seen.push_back(picture->pts);
+            highest = std::max(highest, picture->pts);
             release_picture(is);
         }
-        return is->seeks_done >= first + 2;
+        // A step waits for a picture of the step before.
+        EXPECT_LE(is->seeks_done, is->seeks_seen + 1);
+        return is->seeks_done >= first + 2 && highest > 2.0;
     }));
-    EXPECT_GE(seen.size(), 2U) << "every step gave a picture before the next";
-    EXPECT_GT(seen.back(), 1.2);
     stream_pause(is);
     EXPECT_FALSE(is->fast_forward);
     EXPECT_FALSE(is->paused);
