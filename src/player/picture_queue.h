@@ -15,10 +15,12 @@ int queue_picture(VideoState* is, FramePtr& frame, double pts);
 /// Gives the slot at the write index the storage that the video thread asked for. [main]
 void alloc_picture(VideoState* is);
 
-/// Writes a frame into memory: with `yuv` packed for the GPU, 3/2 of its rows of row_bytes / 3 bytes
-/// each; else as 24-bit RGB in rows of `row_bytes`. Any thread that owns the frame.
+/// Writes a frame into memory: with `yuv` packed for the GPU, 3/2 of its rows of row_bytes / 3
+/// bytes each; else as 24-bit RGB in rows of `row_bytes`. Any thread that owns the frame.
 void fill_picture(VideoState* is, const AVFrame& frame, std::uint8_t* destination, int row_bytes,
                   bool yuv);
 
-/// Writes the picture of a slot into its buffer, width x 3 x height bytes. Any thread that owns the slot.
-void fill_picture(VideoState* is, const VideoPicture& pic, std::uint8_t* destination, BufferForm form);
+/// Writes the picture of a slot into its buffer, width x 3 x height bytes. Any thread that owns the
+/// slot.
+void fill_picture(VideoState* is, const VideoPicture& pic, std::uint8_t* destination,
+                  BufferForm form);

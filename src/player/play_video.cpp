@@ -47,12 +47,13 @@ bool init_sdl() {
     // Without it the compatibility library lists modes larger than the screen and draws the window
     // through a framebuffer of its own.
     putenv(scaling_off);
-    const Uint32 wanted = SDL_INIT_VIDEO | SDL_INIT_TIMER | SDL_INIT_NOPARACHUTE;
-    if (SDL_Init(wanted | SDL_INIT_AUDIO) == 0) return true;
+    if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_TIMER | SDL_INIT_NOPARACHUTE) != 0) {
+        std::fprintf(stderr, "Could not initialize SDL - %s\n", SDL_GetError());
+        return false;
+    }
     // A machine without sound shows films all the same.
-    if (SDL_Init(wanted) == 0) return true;
-    std::fprintf(stderr, "Could not initialize SDL - %s\n", SDL_GetError());
-    return false;
+    SDL_InitSubSystem(SDL_INIT_AUDIO);
+    return true;
 }
 
 void place_window(PlayVideoArgs* args) {

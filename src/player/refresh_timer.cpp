@@ -3,58 +3,58 @@
 
 #include "core/settings.h"
 #include "platform/threads.h"
-#include "player/clocks.h"
 
 #include <SDL.h>
 
-extern "C" {
-#include <libavutil/time.h>
-}
-
 #include <chrono>
-#include <condition_variable>
+#include <map>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 std::atomic<bool> refresh_scheduled{false};
 
-static_assert(SDL_USEREVENT == static_cast<int>(event_alloc_picture));
-
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 constexpr int timer_step_ms = 10;
 constexpr Uint32 retry_ms = 10;
 constexpr int largest_temporal_factor = 4;
 
-// SDL's own wait looks for events in steps of 10 ms, classic and compatible library alike. The
-// player's events end this one at once; for the window's it looks often enough for a hand on the
-// keyboard.
-class WakeUp {
+// The refreshes asked for, each with its due time. Classic SDL can call a one-shot timer again when
+// another one is added at the wrong moment; its request is gone then.
+class Requests {
   public:
-    void signal() {
-        {
-            const std::lock_guard lock(mutex_);
-            signalled_ = true;
-        }
-        condition_.notify_one();
+    void* add(Clock::time_point due) {
+        const std::lock_guard lock(mutex_);
+        due_times_[++last_] = due;
+        return reinterpret_cast<void*>(last_);
     }
 
-    void wait() {
-        std::unique_lock lock(mutex_);
-        condition_.wait_for(lock, input_poll, [this] { return signalled_; });
-        signalled_ = false;
+    void put_back(void* request, Clock::time_point due) {
+        const std::lock_guard lock(mutex_);
+        due_times_[reinterpret_cast<std::uintptr_t>(request)] = due;
+    }
+
+    std::optional<Clock::time_point> take(void* request) {
+        const std::lock_guard lock(mutex_);
+        const auto found = due_times_.find(reinterpret_cast<std::uintptr_t>(request));
+        if (found == due_times_.end()) return std::nullopt;
+        const Clock::time_point due = found->second;
+        due_times_.erase(found);
+        return due;
     }
 
   private:
-    static constexpr std::chrono::milliseconds input_poll{4};
-
     std::mutex mutex_;
-    std::condition_variable condition_;
-    bool signalled_ = false;
+    std::map<std::uintptr_t, Clock::time_point> due_times_;
+    std::uintptr_t last_ = 0;
 };
-WakeUp& wake_up() {
-    static auto& one = *new WakeUp;  // a timer may fire until the very end
-    return one;
+
+Requests& requests() {
+    static auto& all = *new Requests;  // a timer may fire until the very end
+    return all;
 }
 
 // Posts a refresh unless one is waiting. Returns false when SDL's queue was full.
@@ -65,28 +65,7 @@ bool post_refresh() {
     return false;
 }
 
-// The due time travels as the timer's parameter. Where a pointer has 32 bits it wraps, which the
-// difference of two nearby times does not mind.
-void* encode_due(std::int64_t due) {
-    return reinterpret_cast<void*>(static_cast<std::uintptr_t>(due));
-}
-
-std::intptr_t microseconds_until(const void* due) {
-    return static_cast<std::intptr_t>(reinterpret_cast<std::uintptr_t>(due) -
-                                      static_cast<std::uintptr_t>(av_gettime_relative()));
-}
-
 }  // namespace
-
-bool push_event(PlayerEvent event, VideoState* state) {
-    SDL_Event message{};
-    message.type = static_cast<Uint8>(event);
-    message.user.type = message.type;
-    message.user.data1 = state;
-    if (SDL_PushEvent(&message) != 0) return false;
-    wake_up().signal();
-    return true;
-}
 
 bool maximize_fps(const VideoState* is) {
     return is && is->video_stream_index >= 0 &&
@@ -100,21 +79,20 @@ int timer_interval(int ms) {
 
 void schedule_refresh(VideoState* is, int ms) {
     if (maximize_fps(is) && post_refresh()) return;
-    const std::int64_t due = av_gettime_relative() + static_cast<std::int64_t>(ms) * 1000;
+    void* request = requests().add(Clock::now() + std::chrono::milliseconds(ms));
     const auto interval = static_cast<Uint32>(timer_interval(ms));
-    if (SDL_AddTimer(interval, sdl_refresh_timer_cb, encode_due(due))) return;
+    if (SDL_AddTimer(interval, sdl_refresh_timer_cb, request)) return;
     // Without timers the player would stop for good; a busy loop shows pictures at least.
+    requests().take(request);
     post_refresh();
 }
 
 Uint32 sdl_refresh_timer_cb(Uint32 /*interval*/, void* param) {
     set_thread_role(ThreadRole::timer);
-    const std::intptr_t wait = microseconds_until(param);
-    if (wait > 0 && wait < 1000000) std::this_thread::sleep_for(std::chrono::microseconds(wait));
-    return post_refresh() ? 0 : retry_ms;
-}
-
-void wait_event(SDL_Event* event) {
-    while (!SDL_PollEvent(event))
-        wake_up().wait();
+    const std::optional<Clock::time_point> due = requests().take(param);
+    if (!due) return 0;
+    std::this_thread::sleep_until(*due);
+    if (post_refresh()) return 0;
+    requests().put_back(param, *due);
+    return retry_ms;
 }

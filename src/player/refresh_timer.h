@@ -16,12 +16,9 @@ bool maximize_fps(const VideoState* is);
 /// [main]
 void schedule_refresh(VideoState* is, int ms);
 
-/// One-shot SDL timer callback: posts the refresh whose due time `param` carries. [timer]
+/// One-shot SDL timer callback: posts the refresh that the request `param` stands for. [timer]
 Uint32 sdl_refresh_timer_cb(Uint32 interval, void* param);
 
 /// The interval to arm SDL's timer with for a refresh in `ms`: the step of 10 ms below it. SDL's
 /// own steps are that coarse; the callback sleeps the rest.
 int timer_interval(int ms);
-
-/// Waits for the next event. [main]
-void wait_event(SDL_Event* event);

@@ -6,6 +6,7 @@
 #include "gpu/video_picture.h"
 #include "platform/sync.h"
 #include "platform/threads.h"
+#include "player/events.h"
 #include "player/packet_queue.h"
 #include "player/picture_scaler.h"
 
@@ -149,15 +150,3 @@ extern std::atomic<VideoState*> global_video_state;
 
 /// Time stamp of the newest video packet (without video: audio packet) in its stream's time base.
 extern std::atomic<std::int64_t> global_video_pkt_pts;
-
-/// User events of the player; the first data word is the `VideoState` concerned or null.
-enum PlayerEvent : int {
-    event_alloc_picture = 24,
-    event_refresh = 25,
-    event_quit = 26,
-    event_failed = 27,
-    event_end_of_stream = 28,
-};
-
-/// Posts a user event. Returns false when SDL's queue is full. Any thread.
-bool push_event(PlayerEvent event, VideoState* state);

@@ -242,7 +242,8 @@ TEST_F(DisplayEffects, PlanesGoStraightToTheWindow) {
             // Every `step`-th byte from `first` on, in rows of the picture's width.
             const auto plane = [&](int first, int step, int w, int h) {
                 return make_image(w, h, [&](int x, int y) {
-                    const std::size_t i = static_cast<std::size_t>(first + y * size.width + x * step);
+                    const std::size_t i =
+                        static_cast<std::size_t>(first + y * size.width + x * step);
                     return Rgba{static_cast<float>(bytes[i]) / 255.0F, 0, 0, 0};
                 });
             };

@@ -112,10 +112,10 @@ TEST_F(RefreshTimerTest, FullQueueDelaysTheRefreshButLosesNone) {
     while (push_event(event_alloc_picture, nullptr)) {}
     schedule_refresh(nullptr, 10);
     SDL_Delay(30);
-    EXPECT_FALSE(refresh_scheduled) << "nothing was posted";
-    EXPECT_EQ(drain(), 0);
+    EXPECT_FALSE(refresh_scheduled) << "nothing could be posted";
+    // Taking the events that fill the queue makes room; the timer tries again.
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_LT(wait_refresh(start), 1000.0) << "the timer tries again";
+    EXPECT_LT(wait_refresh(start), 1000.0);
 }
 
 TEST_F(RefreshTimerTest, EventsCarryTheirState) {

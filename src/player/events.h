@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <SDL.h>
+
+struct VideoState;
+
+/// User events of the player; the first data word is the `VideoState` concerned or null.
+enum PlayerEvent : int {
+    event_alloc_picture = SDL_USEREVENT,  ///< a slot of the picture queue wants storage
+    event_refresh,                        ///< the window is to be redrawn
+    event_quit,
+    event_failed,         ///< the file could not be opened or played
+    event_end_of_stream,  ///< everything was played
+};
+
+/// Posts a user event. Returns false when SDL's queue is full. Any thread.
+bool push_event(PlayerEvent event, VideoState* state);
+
+/// Waits for the next event. [main]
+void wait_event(SDL_Event* event);

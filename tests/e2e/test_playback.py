@@ -1,0 +1,130 @@
+# SPDX-License-Identifier: MIT
+"""A film plays: the right picture at the right time in the right place."""
+
+import os
+import tempfile
+import time
+import unittest
+
+from support import CAMERA, FILM, PATIENCE, PlayerTestCase, clip, compare_with_film, fitted, wait_for
+
+
+class Playback(PlayerTestCase):
+    def test_real_films(self):
+        # Measured: 30.1 and 29.7 dB by ffmpeg's conversion, which keeps luma 8 steps brighter; 35.9 and
+        # 48.1 dB by the player's own, where the rest is the way of scaling.
+        for film, size in ((FILM, (1280, 720)), (CAMERA, (1920, 1080))):
+            with self.subTest(film):
+                player = self.start(film)
+                caption = f"VYX Video Player - [{os.path.basename(film)}]"
+                wait_for(lambda: player.title() == caption, 5, "the caption")
+                time.sleep(1.2)
+                player.key("space")
+                time.sleep(0.5)
+                with tempfile.TemporaryDirectory() as folder:
+                    shot = os.path.join(folder, "shot.png")
+                    picture = player.look(save_as=shot)
+                    area = fitted(*size, picture.width, picture.height)
+                    frame, plain, exact = compare_with_film(film, shot, area)
+                self.assertGreaterEqual(plain, 28.0, f"frame {frame}")
+                self.assertGreaterEqual(exact, 34.0, f"frame {frame}")
+                self.assertGreater(frame, 5)
+                self.assertEqual(player.quit(), 0)
+                self.assertIn("VYX Player v1.01\nHigh quality media player\n", player.output())
+
+    def test_borders_are_dark_and_the_picture_is_centred(self):
+        player = self.start(clip("h264.mp4"))
+        self.number(player)
+        picture = player.look()
+        self.assertEqual((picture.width, picture.height), (800, 600))
+        x, y, w, h = fitted(320, 180, 800, 600)
+        for row in (5, y - 3, y + h + 3, 595):
+            self.assertEqual(picture.pixel(400, row), (5, 5, 5))
+        self.assertGreater(max(picture.pixel(20, y + h - 5)), 100, "the picture reaches its lower edge")
+        self.assertEqual(player.quit(), 0)
+
+    def test_plays_in_real_time(self):
+        player = self.start(clip("mpeg4.avi"))
+        # Two readings more than a second apart, in one run of the four seconds.
+        first = self.await_number(player, lambda n: n < 20, 10, "the beginning")
+        start = time.monotonic()
+        time.sleep(1.5)
+        second = self.number(player)
+        pictures = (time.monotonic() - start) * 25
+        # Taking a picture of the window takes some hundredths of a second itself.
+        self.assertAlmostEqual(second - first, pictures, delta=6 * PATIENCE)
+        self.await_number(player, lambda n: n < 10, 10, "the loop")
+
+    def test_formats(self):
+        for name in ("mpeg1.mpg", "mpeg2.mpg", "mpeg4_qpel.mp4", "h264.mkv", "hevc.mkv", "vp9.webm",
+                     "mjpeg.avi", "ten_bit.mkv", "chroma_422.mkv", "rgb.mkv", "grey.mkv", "raw.h264"):
+            with self.subTest(name):
+                player = self.start(clip(name))
+                first = self.number(player)
+                self.await_number(player, lambda n: n != first, 10, "another picture")
+                self.assertEqual(player.quit(), 0)
+
+    def test_odd_sizes(self):
+        for name in ("odd_853x481.mkv", "size_1x1.mkv", "size_16x8.mkv", "wide_4000.mp4",
+                     "aspect_anamorphic.mkv", "size_change.ts"):
+            with self.subTest(name):
+                player = self.start(clip(name))
+                player.window()
+                time.sleep(1.5 * PATIENCE)
+                picture = player.look()
+                bright = picture.count(lambda r, g, b: max(r, g, b) > 60, step=8)
+                self.assertGreater(bright, 100, "there is a picture")
+                self.assertEqual(player.quit(), 0)
+
+    def test_anamorphic_picture_has_its_shape(self):
+        # 360 x 288 with pixels of 16:15 is 4:3, which fills 800 x 600.
+        player = self.start(clip("aspect_anamorphic.mkv"))
+        self.number_anywhere(player)
+        picture = player.look()
+        self.assertGreater(max(picture.pixel(2, 300)), 60)
+        self.assertGreater(max(picture.pixel(797, 300)), 60)
+        self.assertEqual(player.quit(), 0)
+
+    def number_anywhere(self, player):
+        player.window()
+        time.sleep(1.0 * PATIENCE)
+
+    def test_no_file_opens_an_empty_window(self):
+        player = self.start()
+        self.assertEqual(player.title(), "VYX Video Player")
+        time.sleep(0.5)
+        picture = player.look()
+        self.assertEqual(picture.pixel(400, 300)[0], 5)
+        self.assertEqual(player.quit(), 0)
+
+    def test_bad_files_leave_the_player_running(self):
+        for name in ("text.mp4", "empty.mp4", "truncated.mp4"):
+            with self.subTest(name):
+                player = self.start(clip(name))
+                player.window()
+                time.sleep(1.0 * PATIENCE)
+                self.assertTrue(player.running())
+                self.assertIn(f"Cannot display file {clip(name)}!\nThe file format is either not supported or\n"
+                              "the content can not be read.", player.output())
+                player.key("d", "space", "Right")
+                self.assertEqual(player.quit(), 0)
+
+    def test_options(self):
+        player = self.start("--demo", "--contrast", "20", "--preload", clip("h264.mp4"))
+        self.await_red_line(player)
+        self.assertEqual(player.quit(), 0)
+
+    def await_red_line(self, player):
+        self.await_number(player, lambda n: True, 10, "a picture")
+        picture = player.look()
+        red = sum(picture.pixel(401, y)[0] > 180 and picture.pixel(401, y)[1] < 90 for y in range(160, 500))
+        self.assertGreater(red, 300, "a red line in the middle")
+
+    def test_full_screen_option(self):
+        player = self.start("--fullscreen", clip("h264.mp4"))
+        self.await_full_screen(player)
+        self.assertEqual(player.quit(), 0)
+
+
+if __name__ == "__main__":
+    unittest.main()
