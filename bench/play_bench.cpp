@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Plays a film in the real player for some seconds and tells how punctual it was and what it cost.
 //
-//     bench_play SECONDS FILM [SETTING=VALUE...]
+//     bench_play SECONDS FILM [seeks] [SETTING=VALUE...]
 //
-// One line per figure: name, value, unit. Times are wall-clock; CPU time is the whole process's,
+// With "seeks" it jumps to another place of the film every second, once two seconds have passed, and
+// tells how long it took until a picture from there was on screen. One line per figure: name, value, unit. Times are wall-clock; CPU time is the whole process's,
 // all threads. What it leaves out: the X server's work, which the window system does for every
 // player.
 
@@ -12,16 +13,19 @@
 #include "player/command_line.h"
 #include "player/display.h"
 #include "player/play_video.h"
+#include "player/stream.h"
 #include "player/video_refresh.h"
 
 #include <SDL.h>
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -32,14 +36,40 @@ struct Measurements {
     std::int64_t first_picture = 0;
     std::vector<double> begun_late;  // milliseconds: refresh begun minus due
     std::vector<double> shown_late;  // milliseconds: swap done minus due
+    std::vector<double> seek_times;  // milliseconds: request to swap
     double last_due = 0.0;
+    std::int64_t seek_start = 0;     // 0: none under way
+    double seek_target = 0.0;        // seconds
+    std::int64_t next_seek = 0;
+    bool seeks = false;
     int unseen = 0;
 };
 Measurements measured;
 
+// Jumps between the two halves of the film, so that a picture tells from which it is.
+void watch_seeks(VideoState* is, std::int64_t now, double pts) {
+    if (measured.seek_start && std::abs(pts - measured.seek_target) < 3.0) {
+        measured.seek_times.push_back(static_cast<double>(now - measured.seek_start) / 1e3);
+        measured.seek_start = 0;
+    }
+    if (measured.seek_start || now < measured.next_seek) return;
+    static std::mt19937 random(1);
+    const double half = is->duration / 2;
+    const double within = static_cast<double>(random() % 1000) / 1000.0 * (half - 8.0);
+    measured.seek_target = pts < half ? half + 4.0 + within : within;
+    measured.seek_start = now;
+    measured.next_seek = now + 1000000;
+    stream_seek(is, static_cast<std::int64_t>(measured.seek_target * 1e6), 0);
+}
+
 void after_swap(VideoState* is, std::int64_t now) {
     if (is->shown_picture < 0) return;
-    if (!measured.first_picture) measured.first_picture = now;
+    if (!measured.first_picture) {
+        measured.first_picture = now;
+        measured.next_seek = now + 2000000;
+    }
+    const double pts = is->pictures[static_cast<std::size_t>(is->shown_picture)].pts;
+    if (measured.seeks) watch_seeks(is, now, pts);
     measured.unseen = is->pictures_unseen;
     const double due = is->clocks.displayed_due;
     if (due == measured.last_due || is->paused) return;
@@ -107,6 +137,11 @@ void report() {
                 static_cast<double>(measured.first_picture - measured.start) / 1e6);
     std::printf("pictures_shown %zu\n", measured.shown_late.size());
     std::printf("pictures_unseen %d\n", measured.unseen);
+    if (measured.seeks) {
+        std::printf("seeks %zu\n", measured.seek_times.size());
+        std::printf("seek_to_picture_p50 %.1f ms\n", percentile(measured.seek_times, 0.5));
+        std::printf("seek_to_picture_p100 %.1f ms\n", percentile(measured.seek_times, 1.0));
+    }
     for (const double part : {0.5, 0.9, 0.99, 1.0}) {
         std::printf("begun_minus_due_p%g %.3f ms\n", part * 100,
                     percentile(measured.begun_late, part));
@@ -119,13 +154,17 @@ void report() {
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::fputs("usage: bench_play SECONDS FILM [SETTING=VALUE...]\n", stderr);
+        std::fputs("usage: bench_play SECONDS FILM [seeks] [SETTING=VALUE...]\n", stderr);
         return 2;
     }
     measured.start = wall_clock();
     PlayVideoArgs args = default_args();
     std::strncpy(args.filename, argv[2], sizeof args.filename - 1);
     for (int i = 3; i < argc; ++i) {
+        if (std::strcmp(argv[i], "seeks") == 0) {
+            measured.seeks = true;
+            continue;
+        }
         if (apply_setting(argv[i])) continue;
         std::fprintf(stderr, "bench_play: no such setting: %s\n", argv[i]);
         return 2;

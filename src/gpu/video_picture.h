@@ -49,6 +49,8 @@ struct VideoPicture {
     int allocated = 0;
     /// Presentation time in seconds.
     double pts = 0.0;
+    /// How many seeks lay before it.
+    int seeks = 0;
     /// Width of a pixel over its height; 0 when the stream does not say.
     double sample_aspect = 0.0;
 

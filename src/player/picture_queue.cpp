@@ -103,7 +103,7 @@ void interleave_yuv(const AVFrame& frame, std::uint8_t* destination) {
 
 }  // namespace
 
-int queue_picture(VideoState* is, FramePtr& frame, double pts) {
+int queue_picture(VideoState* is, FramePtr& frame, double pts, int seeks) {
     assert_thread(ThreadRole::video);
     if (!wait_for_free_slot(is)) return -1;
     VideoPicture& slot = is->pictures[static_cast<std::size_t>(is->picture_queue_windex)];
@@ -122,6 +122,7 @@ int queue_picture(VideoState* is, FramePtr& frame, double pts) {
     read_quantization_table(&slot, frame.get(), is->video_codec->codec_id);
     store(is, slot, frame);
     slot.pts = pts;
+    slot.seeks = seeks;
     slot.clear_flags();
     slot.ready = true;
     is->picture_queue_windex = (is->picture_queue_windex + 1) % picture_slots;

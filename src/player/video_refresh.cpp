@@ -23,11 +23,23 @@ int queued_pictures(VideoState* is) {
     return is->picture_queue_size;
 }
 
+void show(VideoState* is) {
+    if (video_suppressed()) {
+        gui_display();
+    } else {
+        video_display(is);
+    }
+}
+
+VideoPicture& head(VideoState* is) {
+    return is->pictures[static_cast<std::size_t>(is->picture_queue_rindex)];
+}
+
 // The newest picture of a live source, as soon as possible.
 void refresh_camera(VideoState* is, int queued) {
     if (queued > 1) release_picture(is);
     schedule_refresh(is, camera_ms);
-    video_display(is);
+    show(is);
 }
 
 RefreshInput refresh_input(VideoState* is, const VideoPicture& pic) {
@@ -45,8 +57,8 @@ RefreshInput refresh_input(VideoState* is, const VideoPicture& pic) {
 }
 
 // One picture or one sub-frame of it. Returns false when the decision has to be taken again.
-bool refresh_picture(VideoState* is) {
-    VideoPicture& pic = is->pictures[static_cast<std::size_t>(is->picture_queue_rindex)];
+bool refresh_picture(VideoState* is, int queued) {
+    VideoPicture& pic = head(is);
     is->video_current_pts = pic.pts;
     is->video_current_pts_time = wall_clock();
     const RefreshInput in = refresh_input(is, pic);
@@ -54,12 +66,14 @@ bool refresh_picture(VideoState* is) {
     is->starved = false;
     if (in.starved && plan.display) {
         // The first picture takes long to draw. Time starts to count when it is on screen.
-        video_display(is);
+        show(is);
         is->clocks.frame_timer += static_cast<double>(wall_clock()) / 1e6 - in.now;
         schedule_refresh(is, plan.delay_ms);
     } else {
         if (plan.delay_ms >= 0) schedule_refresh(is, plan.delay_ms);
-        if (plan.display) video_display(is);
+        // Too late, but there is nothing newer: dropping it would save no time.
+        const bool only_one = plan.release && !pic.seen && queued == 1;
+        if (plan.display || only_one) show(is);
     }
     if (plan.release) {
         if (!pic.seen) ++is->pictures_unseen;
@@ -72,22 +86,26 @@ void refresh_video(VideoState* is) {
     const bool scanning = is->rewind || is->fast_forward;
     if (is->paused && !scanning) {
         schedule_refresh(is, idle_ms);
-        video_display(is);
+        show(is);
         return;
     }
     for (;;) {
         const int queued = queued_pictures(is);
         if (queued == 0) {
             is->starved = true;
-            video_display(is);
+            show(is);
             schedule_refresh(is, idle_ms);
             return;
+        }
+        if (!scanning && head(is).seeks != is->seeks_done) {
+            release_picture(is);  // from before a seek: nobody waits for it any more
+            continue;
         }
         if (is->is_camera) {
             refresh_camera(is, queued);
             return;
         }
-        if (refresh_picture(is)) return;
+        if (refresh_picture(is, queued)) return;
     }
 }
 

@@ -101,7 +101,7 @@ class VideoDecoding {
     bool queue_frame() {
         const double stamp = timestamp_seconds(frame_->pkt_dts, is_->video_stream->time_base);
         const double pts = synchronize_video(is_, frame_->repeat_pict, frame_duration(is_), stamp);
-        const int result = queue_picture(is_, frame_, pts);
+        const int result = queue_picture(is_, frame_, pts, seek_);
         if (!frame_) frame_.reset(av_frame_alloc());
         if (!frame_ || result < 0) return false;
         av_frame_unref(frame_.get());
