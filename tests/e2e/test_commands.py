@@ -73,35 +73,31 @@ class Commands(PlayerTestCase):
         player = self.start(clip("h264.mp4"))
         self.number(player)
 
-        def red_in_the_middle():
-            picture = player.look()
-            return sum(is_red(*picture.pixel(401, y)) for y in range(170, 430))
+        def has_line(picture):
+            return sum(is_red(*picture.pixel(401, y)) for y in range(170, 430)) > 250
 
-        self.assertLess(red_in_the_middle(), 60)
+        def has_none(picture):
+            return sum(is_red(*picture.pixel(401, y)) for y in range(170, 430)) < 60
+
+        player.look_until(has_none, "a film without a line")
         player.key("d")
-        time.sleep(0.4)
-        self.assertGreater(red_in_the_middle(), 250)
+        player.look_until(has_line, "a red line")
         player.key("o")
-        time.sleep(0.4)
-        self.assertLess(red_in_the_middle(), 60, "the original covers everything, the line too")
-        player.key("o", "d")
-        time.sleep(0.4)
-        self.assertLess(red_in_the_middle(), 60)
+        player.look_until(has_none, "the original, which covers the line too")
+        player.key("o")
+        player.look_until(has_line, "the line again")
+        player.key("d")
+        player.look_until(has_none, "a film without a line")
         self.assertEqual(player.quit(), 0)
 
     def test_motion_vectors(self):
         player = self.start(clip("moving_mpeg4.avi"))
-        time.sleep(1.0 * PATIENCE)
-        before = player.look().count(is_red)
+        plain = player.look_until(lambda shot: shot.count(lambda r, g, b: max(r, g, b) > 60) > 1000,
+                                  "a picture").count(is_red)
         player.key("m")
-        time.sleep(0.4)
-        player.key("space")
-        time.sleep(0.4)
-        during = player.look().count(is_red)
-        player.key("m")
-        time.sleep(0.4)
-        after = player.look().count(is_red)
-        self.assertGreater(during, max(before, after) + 200)
+        player.look_until(lambda shot: shot.count(is_red) > plain + 200, "red vectors")
+        player.key("space", "m")
+        player.look_until(lambda shot: shot.count(is_red) < plain + 100, "no vectors")
         self.assertEqual(player.quit(), 0)
 
     def test_quantisers(self):
@@ -111,18 +107,15 @@ class Commands(PlayerTestCase):
         self.paused_number(player)
         before = player.look()
         player.key("q")
-        time.sleep(0.4)
-        during = player.look()
+        during = player.look_until(lambda shot: shot.data != before.data, "red blocks")
         player.key("q")
-        time.sleep(0.4)
-        after = player.look()
+        player.look_until(lambda shot: shot.data == before.data, "the picture as it was")
         # A quantiser of 30 covers the picture at 60 percent with red at (30 / 50)^4.
         for x, y in ((100, 350), (250, 350), (650, 350)):
             expected = [0.4 * value for value in before.pixel(x, y)]
             expected[0] += 0.6 * 255 * (30 / 50) ** 4
             for value, wanted in zip(during.pixel(x, y), expected):
                 self.assertAlmostEqual(value, wanted, delta=4)
-        self.assertEqual(after.data, before.data)
         self.assertEqual(player.quit(), 0)
 
     def test_resize(self):
@@ -131,15 +124,16 @@ class Commands(PlayerTestCase):
         for width, height in ((640, 400), (300, 600), (1000, 700), (64, 48), (800, 600)):
             with self.subTest(size=(width, height)):
                 player.xdotool("windowsize", "--sync", player.window(), width, height)
-                time.sleep(0.6)
-                self.assertEqual(player.geometry()[2:], (width, height))
+                size = (width, height)
+                wait_for(lambda size=size: player.geometry()[2:] == size, 5, "the new size")
                 if width < 100:
                     continue
                 first = self.number(player)
                 self.await_number(player, lambda n, first=first: n != first, 5, "the film to go on")
-                picture = player.look()
                 x, y, w, h = fitted(320, 180, width, height)
-                self.assertGreater(max(picture.pixel(x + w // 8, y + h - 4)), 60)
+                spot = (x + w // 8, y + h - 4)
+                picture = player.look_until(lambda shot, spot=spot: max(shot.pixel(*spot)) > 60,
+                                            "a picture that reaches its lower edge")
                 if y > 8:
                     self.assertEqual(picture.pixel(width // 2, y - 6), (5, 5, 5))
         self.assertEqual(player.quit(), 0)
@@ -156,11 +150,11 @@ class Commands(PlayerTestCase):
         player = self.start(clip("h264.mp4"))
         self.number(player)
         player.process.send_signal(signal.SIGTERM)
-        self.assertEqual(player.wait(2), 0)
+        self.assertEqual(player.wait(3), 0)
         player = self.start(clip("h264.mp4"))
         player.window()
         player.process.send_signal(signal.SIGINT)
-        self.assertEqual(player.wait(2), 0)
+        self.assertEqual(player.wait(3), 0)
         player = self.start(clip("h264.mp4"))
         self.number(player)
         player.key("space")

@@ -11,6 +11,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <linux/videodev2.h>
+#include <pthread.h>
 #include <stdarg.h>
 #include <stdlib.h>
 #include <string.h>
@@ -23,6 +24,8 @@ enum { buffers = 4, max_width = 1280, max_height = 720, rate = 25, fields = 8 };
 static int camera = -1; /* a memory file, so that mapping it works by itself */
 static unsigned width = 640, height = 480;
 static unsigned char* pictures[buffers];
+/* Buffers to fill. They come back from whatever thread is done with one. */
+static pthread_mutex_t queue_mutex = PTHREAD_MUTEX_INITIALIZER;
 static int queue[buffers], queued;
 static unsigned number;
 static struct timespec due;
@@ -98,19 +101,38 @@ static void describe_format(struct v4l2_pix_format* pix) {
     pix->colorspace = V4L2_COLORSPACE_SMPTE170M;
 }
 
+static int queue_buffer(int index) {
+    pthread_mutex_lock(&queue_mutex);
+    const int room = queued < buffers;
+    if (room) queue[queued++] = index;
+    pthread_mutex_unlock(&queue_mutex);
+    return room ? 0 : fail(EINVAL);
+}
+
+/* The oldest buffer in the queue, -1 for none. */
+static int take_buffer(void) {
+    int index = -1;
+    pthread_mutex_lock(&queue_mutex);
+    if (queued > 0) {
+        index = queue[0];
+        memmove(queue, queue + 1, sizeof queue - sizeof queue[0]);
+        --queued;
+    }
+    pthread_mutex_unlock(&queue_mutex);
+    return index;
+}
+
 static int take_picture(struct v4l2_buffer* buffer) {
     const char* limit = getenv("FAKE_CAMERA_PICTURES");
     if (limit && number >= (unsigned)atoi(limit)) return fail(ENODEV);
-    if (queued == 0) return fail(EAGAIN);
+    const int index = take_buffer();
+    if (index < 0) return fail(EAGAIN);
     due.tv_nsec += 1000000000 / rate;
     if (due.tv_nsec >= 1000000000) {
         due.tv_nsec -= 1000000000;
         ++due.tv_sec;
     }
     if (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &due, NULL) != 0) return fail(EINTR);
-    const int index = queue[0];
-    memmove(queue, queue + 1, sizeof queue - sizeof queue[0]);
-    --queued;
     paint(pictures[index]);
     buffer->index = (unsigned)index;
     buffer->bytesused = (unsigned)picture_bytes();
@@ -170,12 +192,7 @@ static int answer(unsigned long request, void* argument) {
             buffer->m.offset = (unsigned)(buffer_bytes() * buffer->index);
             return 0;
         }
-        case VIDIOC_QBUF: {
-            const struct v4l2_buffer* buffer = argument;
-            if (queued == buffers) return fail(EINVAL);
-            queue[queued++] = (int)buffer->index;
-            return 0;
-        }
+        case VIDIOC_QBUF: return queue_buffer((int)((struct v4l2_buffer*)argument)->index);
         case VIDIOC_DQBUF: return take_picture(argument);
         case VIDIOC_STREAMON: return clock_gettime(CLOCK_MONOTONIC, &due);
         case VIDIOC_STREAMOFF: return 0;
