@@ -88,7 +88,7 @@ void enhance_film(const EnhanceOptions& options, std::FILE* progress) {
     if (!frame.frame) throw EnhanceError("no picture of '" + options.input + "' can be decoded");
     const auto sink =
         make_sink(options.output, sink_format(film.format(), *frame.frame, options.temporal));
-    const HeadlessContext context;
+    make_headless_context();
     Enhancer enhancer(options, film.format().codec, [&](const RgbPicture& picture, double seconds) {
         sink->write(picture, seconds);
     });

@@ -17,8 +17,9 @@ namespace {
 constexpr int largest_term = 60000;   // MPEG-4 takes no more than 65535 ticks a second
 constexpr double lowest_rate = 0.01;  // pictures a second
 constexpr double highest_rate = 1000.0;
-constexpr int constant_quality = 16;   // of encoders with such a scale: no visible loss
-constexpr int constant_quantiser = 2;  // of the others, the finest but one
+constexpr int constant_quality = 16;     // of encoders with such a scale: no visible loss
+constexpr int constant_quantiser = 2;    // of the others, the finest but one
+constexpr int best_theora_quality = 10;  // there it is the other way round
 
 const AVOutputFormat* container_of(const std::string& path) {
     const AVOutputFormat* format = av_guess_format(nullptr, path.c_str(), nullptr);
@@ -44,7 +45,9 @@ void set_quality(AVCodecContext* encoder) {
         return;
     }
     encoder->flags |= AV_CODEC_FLAG_QSCALE;
-    encoder->global_quality = FF_QP2LAMBDA * constant_quantiser;
+    encoder->global_quality =
+        FF_QP2LAMBDA *
+        (encoder->codec_id == AV_CODEC_ID_THEORA ? best_theora_quality : constant_quantiser);
 }
 
 }  // namespace
@@ -69,7 +72,8 @@ FilmWriter::FilmWriter(const std::string& path, const SinkFormat& format)
     const AVOutputFormat* container = container_of(path);
     const AVCodecID id =
         av_guess_codec(container, nullptr, path.c_str(), nullptr, AVMEDIA_TYPE_VIDEO);
-    codec_ = avcodec_find_encoder(id);
+    // What takes PNG is a container of sound: the picture would be its cover.
+    if (id != AV_CODEC_ID_PNG) codec_ = avcodec_find_encoder(id);
     if (!codec_) throw EnhanceError("there is no video encoder for '" + path + "'");
     AVFormatContext* made = nullptr;
     if (avformat_alloc_output_context2(&made, container, nullptr, file_.working_path().c_str()) <

@@ -4,7 +4,6 @@
 #include "enhance/enhance_error.h"
 #include "gpu/gl_bindings.h"
 #include "gpu/gl_context.h"
-#include "gpu/texture_cache.h"
 
 #include <GL/glew.h>
 
@@ -26,9 +25,12 @@ constexpr int any_size = 16;  // of the viewport; each pass sets its own
 
 }  // namespace
 
-HeadlessContext::HeadlessContext() : backend_(make_surfaceless_context()) {
-    if (!backend_) backend_ = make_hidden_window_context();
-    if (!backend_) {
+void make_headless_context() {
+    static GlContext* context = nullptr;  // never destroyed: programs of the passes live in it
+    if (context) return;
+    std::unique_ptr<GlContext> made = make_surfaceless_context();
+    if (!made) made = make_hidden_window_context();
+    if (!made) {
         throw EnhanceError(
             "no OpenGL: neither EGL without a surface nor a window on an X display works");
     }
@@ -38,9 +40,5 @@ HeadlessContext::HeadlessContext() : backend_(make_surfaceless_context()) {
     }
     init_gl_state();
     reshape_gl(any_size, any_size);
-}
-
-HeadlessContext::~HeadlessContext() {
-    clear_texture_cache();
-    delete_dropped_textures();
+    context = made.release();
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-class HiddenWindowContext : public HeadlessContext::Backend {
+class HiddenWindowContext : public GlContext {
   public:
     explicit HiddenWindowContext(Display* display) : display_(display) {}
     ~HiddenWindowContext() override {
@@ -43,7 +43,7 @@ class HiddenWindowContext : public HeadlessContext::Backend {
 
 }  // namespace
 
-std::unique_ptr<HeadlessContext::Backend> make_hidden_window_context() {
+std::unique_ptr<GlContext> make_hidden_window_context() {
     Display* display = XOpenDisplay(nullptr);
     if (!display) return nullptr;
     auto made = std::make_unique<HiddenWindowContext>(display);

@@ -8,7 +8,7 @@
 
 namespace {
 
-class SurfacelessContext : public HeadlessContext::Backend {
+class SurfacelessContext : public GlContext {
   public:
     SurfacelessContext(EGLDisplay display, EGLContext context)
         : display_(display), context_(context) {}
@@ -45,7 +45,7 @@ EGLContext make_context(EGLDisplay display) {
 
 }  // namespace
 
-std::unique_ptr<HeadlessContext::Backend> make_surfaceless_context() {
+std::unique_ptr<GlContext> make_surfaceless_context() {
     const EGLDisplay display = surfaceless_display();
     if (display == EGL_NO_DISPLAY || !eglInitialize(display, nullptr, nullptr)) return nullptr;
     const EGLContext context = make_context(display);

@@ -21,7 +21,7 @@ void draw_split(gl_texture_resource* out, gl_texture_resource* output,
     const int line = show_original ? output->width() : output->width() / 2;
     Pass(demo_split, out)
         .input("texOutput", output)
-        .input("texOriginal", original, GL_LINEAR)
+        .input("texOriginal", original)
         .set("halfWidth", static_cast<float>(line))
         .set("scale", static_cast<float>(original->width()) / static_cast<float>(output->width()))
         .run();
