@@ -25,9 +25,9 @@ void apply(const EnhanceOptions& options) {
 // What the passes ask about the picture being loaded. There are no clocks.
 class Enhancer::Source : public PictureSource {
   public:
-    void fill_picture(const VideoPicture& /*pic*/, std::uint8_t* destination, int row_bytes,
-                      bool /*yuv*/) override {
-        colours_.to_rgb(*frame, destination, row_bytes);
+    void fill_picture(const VideoPicture& pic, std::uint8_t* destination,
+                      BufferForm /*form*/) override {
+        colours_.to_rgb(*frame, destination, pic.width * 3);
     }
     double video_clock() override { return 0.0; }
     double master_clock() override { return 0.0; }
@@ -65,7 +65,7 @@ void Enhancer::load(VideoPicture& pic, const TimedFrame& frame) {
     read_quantization_table(&pic, frame.frame.get(), codec_);
     pic.clear_flags();
     source_->frame = frame.frame.get();
-    fill_pixel_buffer(pic, *source_, false);
+    fill_pixel_buffer(pic, *source_, BufferForm::rgb);
 }
 
 void Enhancer::push(const TimedFrame& frame) {

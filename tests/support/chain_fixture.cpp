@@ -57,7 +57,7 @@ void ChainTest::queue(int slot, const Image& image, Vectors vectors) {
     make_pixel_buffer(pic);
     pic.clear_flags();
     pic.pts = slot;
-    fill_pixel_buffer(pic, *this, false);
+    fill_pixel_buffer(pic, *this, BufferForm::rgb);
     pic.ready = true;
 }
 
@@ -92,14 +92,13 @@ Image ChainTest::show(int slot) {
     return download(shown_);
 }
 
-void ChainTest::fill_picture(const VideoPicture& pic, std::uint8_t* destination, int row_bytes,
-                             bool /*yuv*/) {
+void ChainTest::fill_picture(const VideoPicture& pic, std::uint8_t* destination,
+                             BufferForm /*form*/) {
     const Image& image = images_[static_cast<std::size_t>(&pic - slots_.data())];
     for (int y = 0; y < image.height(); ++y) {
-        std::uint8_t* byte = destination + static_cast<std::ptrdiff_t>(y) * row_bytes;
         for (int x = 0; x < image.width(); ++x) {
             for (const float value : {image.at(x, y).r, image.at(x, y).g, image.at(x, y).b})
-                *byte++ = static_cast<std::uint8_t>(std::lround(value * 255.0F));
+                *destination++ = static_cast<std::uint8_t>(std::lround(value * 255.0F));
         }
     }
 }

@@ -39,8 +39,7 @@ class ChainTest : public PassTest, protected PictureSource {
     object_ref<gl_texture_resource> shown_;
 
   private:
-    void fill_picture(const VideoPicture& pic, std::uint8_t* destination, int row_bytes,
-                      bool yuv) override;
+    void fill_picture(const VideoPicture& pic, std::uint8_t* destination, BufferForm form) override;
     double video_clock() override { return 12.5; }
     double master_clock() override { return 13.5; }
 
