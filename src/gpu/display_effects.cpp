@@ -4,6 +4,8 @@
 #include "core/settings.h"
 #include "gpu/gl_bindings.h"
 #include "gpu/gl_shader.h"
+#include "gpu/pass.h"
+#include "gpu/work_texture.h"
 
 #include <shaders/video_display.h>
 
@@ -12,6 +14,18 @@
 namespace {
 
 constexpr float seeking_noise = 9876.78F;
+
+void draw_split(gl_texture_resource* out, gl_texture_resource* output,
+                gl_texture_resource* original, bool show_original) {
+    // A whole number of texels, so that the line exists for odd widths too.
+    const int line = show_original ? output->width() : output->width() / 2;
+    Pass(demo_split, out)
+        .input("texOutput", output)
+        .input("texOriginal", original)
+        .set("halfWidth", static_cast<float>(line))
+        .set("scale", static_cast<float>(original->width()) / static_cast<float>(output->width()))
+        .run();
+}
 
 }  // namespace
 
@@ -54,20 +68,14 @@ void brightness_contrast_enhancement(VideoPicture* pic) {
 
 void show_demo_overlay(gl_texture_resource* output, gl_texture_resource* original,
                        bool show_original) {
-    // A whole number of texels, so that the line exists for odd widths too.
-    const int line = show_original ? output->width() : output->width() / 2;
-    gl_shader_resource* program = compile_shader(demo_split, true);
-    set_rendertarget(0, output);
-    set_texture(0, output, GL_NEAREST);
-    set_texture(1, original, GL_LINEAR);
-    program->begin();
-    program->setValue("texOutput", 0);
-    program->setValue("texOriginal", 1);
-    program->setValue("halfWidth", static_cast<float>(line));
-    program->setValue("scale",
-                      static_cast<float>(original->width()) / static_cast<float>(output->width()));
-    program->run();
-    program->end();
+    if (has_texture_barrier()) {
+        texture_barrier();
+        draw_split(output, output, original, show_original);
+        return;
+    }
+    const WorkTexture split(output->height(), output->width(), output->internal_format());
+    draw_split(split, output, original, show_original);
+    copy_texture(split, output);
 }
 
 void begin_seeking_effect(int height, int screen_height, float time) {

@@ -6,9 +6,10 @@
 #include "gpu/spatial_denoising.h"
 #include "gpu/spatial_sr.h"
 #include "gpu/temporal_upscaling.h"
-#include "gpu/texture_cache.h"
+#include "gpu/work_texture.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -30,9 +31,10 @@ void spatial_pass(const VideoPicture* cur, const VideoPicture* ref) {
 
 void enhance(const DisplayView& view, VideoPicture& cur, VideoPicture& prev,
              const EnhancementFactors& factors) {
-    // A previous picture that was skipped is made up for: it serves as reference and as the other
-    // end of the interpolation.
-    if (prev.rgb && prev.enhanced && !prev.is_enhanced) {
+    // A previous picture that was shown without the filter is made up for: it serves as reference
+    // and as the other end of the interpolation. One that was never shown is not: its textures
+    // hold an older picture.
+    if (prev.rgb && prev.uploaded && prev.enhanced && !prev.is_enhanced) {
         spatial_pass(&prev, nullptr);
         postprocessing_filter(view, prev, factors);
         prev.is_enhanced = true;
@@ -42,6 +44,14 @@ void enhance(const DisplayView& view, VideoPicture& cur, VideoPicture& prev,
     spatial_pass(&cur, reference);
     postprocessing_filter(view, cur, factors);
     cur.is_enhanced = true;
+}
+
+// The texture that the sharpening will work in, taken while the spatial filter works in its own: at
+// the first texture it lacks the cache drops all it has, so it comes to hold those of both only
+// when both are taken at once.
+std::unique_ptr<WorkTexture> reserve_for_sharpening(const VideoPicture& cur, float level) {
+    if (level <= 0.0F || cur.is_enhanced) return nullptr;
+    return std::make_unique<WorkTexture>(cur.enhanced->height(), cur.enhanced->width(), 0);
 }
 
 // The method for this refresh; `method_off` where the two pictures cannot be interpolated.
@@ -112,7 +122,11 @@ void prepare_picture(const DisplayView& view, VideoPicture& cur, VideoPicture& p
         upload_picture(cur, {view.pixel_buffers, factors.spatial, view.staging});
     }
     const int algorithm = master_settings.upscaling_algorithm.toInt();
-    if (factors.spatial > 1 || algorithm > 0 || view.hook) enhance(view, cur, prev, factors);
+    const float sharpening = algorithm == 1 ? 0.0F : master_settings.sharpening_level.getValue();
+    if (factors.spatial > 1 || algorithm > 0 || view.hook) {
+        const auto scratch = reserve_for_sharpening(cur, sharpening);
+        enhance(view, cur, prev, factors);
+    }
 
     int method = interpolation_method(view, cur, prev, factors.temporal);
     if (view.step) {
@@ -120,7 +134,6 @@ void prepare_picture(const DisplayView& view, VideoPicture& cur, VideoPicture& p
         view.step = false;
         view.phase_fraction = 1.0F;
     }
-    const float sharpening = algorithm == 1 ? 0.0F : master_settings.sharpening_level.getValue();
     const bool show_original = master_settings.show_original.toBool();
     const bool split = show_original || master_settings.demo_mode.toBool();
     if (method == method_off && sharpening <= 0.0F && !split) {

@@ -1,27 +1,44 @@
 // SPDX-License-Identifier: MIT
 #include "gpu/spatial_sr.h"
 
-#include "gpu/gl_bindings.h"
-#include "gpu/gl_shader.h"
-#include "gpu/spatial_denoising.h"
+#include "gpu/block_textures.h"
+#include "gpu/spatial_sr_passes.h"
+#include "gpu/work_texture.h"
 
-#include <shaders/spatial_sr.h>
+namespace {
 
-void spatial_sr(const VideoPicture* cur, const VideoPicture* /*ref*/, int /*factor*/) {
-    gl_shader_resource* program = compile_shader(code_frag_Ia, true);
-    set_rendertarget(0, cur->enhanced);
-    set_texture(0, cur->rgb, GL_LINEAR);
-    program->begin();
-    program->setValue("texLowRes", 0);
-    program->run();
-    program->end();
+void first_estimate(const VideoPicture* cur, const VideoPicture* ref, int factor) {
+    if (!serves_as_reference(ref) || factor == 1) {
+        sr::estimate(cur->enhanced, cur->rgb);
+        return;
+    }
+    const WorkTexture vectors(block_rows(*cur), block_columns(*cur), 0);
+    upload_block_vectors(*cur, vectors);
+    sr::compensated_estimate(cur->enhanced, cur->rgb,
+                             {ref->enhanced, ref->rgb, vectors, block_size(*cur)}, factor);
 }
 
-void spatial_deblocking_and_denoising(const VideoPicture* cur, const VideoPicture* ref, int f,
-                                      float /*denoising_level*/, float /*sharpening_level*/,
-                                      float /*recursive_threshold*/) {
-    spatial_sr(cur, ref, f);
-}
+}  // namespace
 
-void sharpening_filter(gl_texture_resource* /*in*/, gl_texture_resource* /*out*/, float /*level*/) {
+void spatial_sr(const VideoPicture* cur, const VideoPicture* ref, int factor) {
+    if (factor == 1) {
+        first_estimate(cur, ref, factor);
+        return;
+    }
+    const int height = cur->height * factor;
+    const int width = cur->width * factor;
+    WorkTexture result(height, width, GL_RGBA);
+    const WorkTexture difference(height, width, GL_RGBA);
+    WorkTexture scratch(height, width, GL_RGBA);
+
+    first_estimate(cur, ref, factor);
+    sr::first_candidates(result, cur->enhanced);
+    for (const sr::Displacement d : sr::displacements) {
+        sr::differences(difference, cur->rgb, cur->enhanced, d, factor);
+        sr::average_rows(scratch, difference);
+        sr::average_columns(difference, scratch);
+        sr::best_candidates(scratch, cur->enhanced, result, difference, d);
+        swap(result, scratch);
+    }
+    sr::winners(cur->enhanced, result);
 }

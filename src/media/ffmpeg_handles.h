@@ -25,6 +25,12 @@ struct CodecContextDeleter {
 struct FormatInputDeleter {
     void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
 };
+struct FormatOutputDeleter {
+    void operator()(AVFormatContext* context) const {
+        if (!(context->oformat->flags & AVFMT_NOFILE)) avio_closep(&context->pb);
+        avformat_free_context(context);
+    }
+};
 struct ScalerDeleter {
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };
@@ -34,6 +40,8 @@ using PacketPtr = std::unique_ptr<AVPacket, PacketDeleter>;
 using CodecContextPtr = std::unique_ptr<AVCodecContext, CodecContextDeleter>;
 /// An opened (or allocated) input.
 using FormatInputPtr = std::unique_ptr<AVFormatContext, FormatInputDeleter>;
+/// An allocated output and the file it writes, if that is open.
+using FormatOutputPtr = std::unique_ptr<AVFormatContext, FormatOutputDeleter>;
 using ScalerPtr = std::unique_ptr<SwsContext, ScalerDeleter>;
 
 /// Options handed to the library by name.

@@ -1,13 +1,15 @@
 #extension GL_ARB_texture_rectangle : enable
 // SPDX-License-Identifier: MIT
-// The picture at its enhanced size, without a search for detail.
+// First estimate without a reference: the picture at its enhanced size. A copy at factor 1.
 //
-// Target:  W x f, H x f.
-// Unit 0:  texLowRes, the picture at its own size W x H, linear. Its coordinates run over W x H.
-// Taps:    1.
+// Target:  W x f, H x f, 16-bit float.
+// Unit 0:  texLowRes, the picture at its own size W x H, nearest. Its coordinates run over W x H.
+// Taps:    16.
 uniform sampler2DRect texLowRes;
+
+#include "catmull_rom.glsl"
 
 void main()
 {
-    gl_FragColor = texture2DRect(texLowRes, gl_TexCoord[0].st);
+    gl_FragColor = catmull_rom(texLowRes, gl_TexCoord[0].st);
 }

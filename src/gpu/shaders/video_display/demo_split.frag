@@ -4,18 +4,20 @@
 //
 // Target:  the enhanced picture's size. May be texOutput itself: only the own texel is read there.
 // Unit 0:  texOutput, the enhanced picture, nearest.
-// Unit 1:  texOriginal, the picture at its own size, linear.
-// Taps:    1.
+// Unit 1:  texOriginal, the picture at its own size, nearest.
+// Taps:    5.
 uniform sampler2DRect texOutput;
 uniform sampler2DRect texOriginal;
 uniform float halfWidth;  // column of the line, in texels of texOutput
 uniform float scale;      // size of texOriginal over the size of texOutput
 
+#include "bilinear.glsl"
+
 void main()
 {
     vec2 st = gl_TexCoord[0].st;
     if (st.s < halfWidth)
-        gl_FragColor = texture2DRect(texOriginal, st * scale);
+        gl_FragColor = bilinear(texOriginal, st * scale);
     else if (floor(st.s) == halfWidth)
         gl_FragColor = vec4(1.0, 0.0, 0.0, 0.0);
     else
