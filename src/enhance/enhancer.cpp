@@ -60,6 +60,7 @@ void Enhancer::load(VideoPicture& pic, const TimedFrame& frame) {
                            std::to_string(pic.height) + " are larger than OpenGL takes here");
     }
     pic.pts = frame.seconds;
+    pic.number = count_;
     if (!pic.pbo || !same_size) make_pixel_buffer(pic);
     read_motion_vectors(&pic, frame.frame.get(), codec_);
     read_quantization_table(&pic, frame.frame.get(), codec_);

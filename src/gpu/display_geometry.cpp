@@ -62,8 +62,10 @@ SDL_Rect destination_rectangle(int zoom, int height, double aspect, int factor, 
         r.w = side(std::rint(height * aspect * k));
     } else {
         const int times = (zoom == 2 ? 1 : zoom == 3 ? 2 : 4) * factor;
+        // The quotient of two whole numbers, times one of them, may fall just short of the other.
+        constexpr double rounding = 1e-6;
         r.h = side(static_cast<double>(height) * times);
-        r.w = side(height * aspect * times);
+        r.w = side(height * aspect * times + rounding);
     }
     r.x = centred(screen_width, r.w);
     r.y = centred(screen_height, r.h);

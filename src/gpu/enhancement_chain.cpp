@@ -13,6 +13,11 @@
 
 namespace {
 
+// Position between the previous picture and the current one, 0 to the temporal factor.
+float phase_of(const DisplayView& view) {
+    return static_cast<float>(view.phase_step) + view.phase_fraction;
+}
+
 bool same_size(const gl_texture_resource* a, const gl_texture_resource* b) {
     return a && b && a->width() == b->width() && a->height() == b->height();
 }
@@ -29,21 +34,37 @@ void spatial_pass(const VideoPicture* cur, const VideoPicture* ref) {
                                      master_settings.recursive_filtering_threshold.getValue());
 }
 
+// Brings one picture through the spatial filter, unless that is done already.
+void enhance_picture(const DisplayView& view, VideoPicture& pic, const VideoPicture* reference,
+                     const EnhancementFactors& factors) {
+    if (pic.is_enhanced) return;
+    if (reference && !same_size(reference->enhanced, pic.enhanced)) reference = nullptr;
+    spatial_pass(&pic, reference);
+    postprocessing_filter(view, pic, factors);
+    pic.is_enhanced = true;
+}
+
+void make_room(VideoPicture& pic, const EnhancementFactors& factors) {
+    const int f = factors.spatial;
+    if (alloc_texture(pic.enhanced, pic.height * f, pic.width * f, 0)) pic.is_enhanced = false;
+}
+
+// Whether the previous slot holds the picture before this one, in its texture. A slot whose picture
+// was never shown holds an older one there.
+bool has_previous(const VideoPicture& cur, const VideoPicture& prev) {
+    return cur.follows(prev) && prev.rgb && prev.uploaded;
+}
+
+// A previous picture that was shown without the filter is made up for: it serves as reference and
+// as the other end of the interpolation.
 void enhance(const DisplayView& view, VideoPicture& cur, VideoPicture& prev,
              const EnhancementFactors& factors) {
-    // A previous picture that was shown without the filter is made up for: it serves as reference
-    // and as the other end of the interpolation. One that was never shown is not: its textures
-    // hold an older picture.
-    if (prev.rgb && prev.uploaded && prev.enhanced && !prev.is_enhanced) {
-        spatial_pass(&prev, nullptr);
-        postprocessing_filter(view, prev, factors);
-        prev.is_enhanced = true;
+    const bool both = has_previous(cur, prev);
+    if (both && !prev.is_enhanced) {
+        make_room(prev, factors);
+        enhance_picture(view, prev, nullptr, factors);
     }
-    if (cur.is_enhanced) return;
-    const VideoPicture* reference = same_size(prev.enhanced, cur.enhanced) ? &prev : nullptr;
-    spatial_pass(&cur, reference);
-    postprocessing_filter(view, cur, factors);
-    cur.is_enhanced = true;
+    enhance_picture(view, cur, both ? &prev : nullptr, factors);
 }
 
 // The texture that the sharpening will work in, taken while the spatial filter works in its own: at
@@ -57,11 +78,11 @@ std::unique_ptr<WorkTexture> reserve_for_sharpening(const VideoPicture& cur, flo
 // The method for this refresh; `method_off` where the two pictures cannot be interpolated.
 int interpolation_method(const DisplayView& view, const VideoPicture& cur, const VideoPicture& prev,
                          int temporal_factor) {
-    const bool possible = prev.rgb && prev.uploaded && cur.rgb &&
-                          same_size(prev.enhanced, cur.enhanced) &&
+    const bool possible = has_previous(cur, prev) && cur.rgb &&
                           same_size(prev.source(), cur.source()) && temporal_factor >= 2 &&
                           !view.rewind && !view.fast_forward;
-    if (!possible) return method_off;
+    // At the last phase every method gives the current picture itself.
+    if (!possible || phase_of(view) >= static_cast<float>(temporal_factor)) return method_off;
     const bool vectors = !prev.motion_vectors.empty() && !cur.motion_vectors.empty();
     return vectors ? master_settings.motion_interpolation_method.toInt() : method_blend;
 }
@@ -96,7 +117,6 @@ void postprocessing_filter(const DisplayView& view, VideoPicture& pic,
                            const EnhancementFactors& factors) {
     if (!view.hook) return;
     const gl_texture_resource& texture = *pic.enhanced;
-    const float phase = static_cast<float>(view.phase_step) + view.phase_fraction;
     PostprocessingInfo info{sizeof(PostprocessingInfo),
                             texture.name(),
                             texture.target(),
@@ -110,7 +130,7 @@ void postprocessing_filter(const DisplayView& view, VideoPicture& pic,
                             pic.block_height,
                             view.playback_speed_index,
                             pic.pts,
-                            static_cast<double>(phase) / factors.temporal,
+                            static_cast<double>(phase_of(view)) / factors.temporal,
                             view.source.video_clock(),
                             view.source.master_clock()};
     view.hook(&info);
@@ -118,12 +138,12 @@ void postprocessing_filter(const DisplayView& view, VideoPicture& pic,
 
 void prepare_picture(const DisplayView& view, VideoPicture& cur, VideoPicture& prev,
                      const EnhancementFactors& factors) {
-    if (!cur.uploaded) {
-        upload_picture(cur, {view.pixel_buffers, factors.spatial, view.staging});
-    }
     const int algorithm = master_settings.upscaling_algorithm.toInt();
+    const bool enhanced = factors.spatial > 1 || algorithm > 0 || view.hook;
+    if (!cur.uploaded) upload_picture(cur, {view.pixel_buffers, enhanced, view.staging});
     const float sharpening = algorithm == 1 ? 0.0F : master_settings.sharpening_level.getValue();
-    if (factors.spatial > 1 || algorithm > 0 || view.hook) {
+    if (enhanced) {
+        make_room(cur, factors);
         const auto scratch = reserve_for_sharpening(cur, sharpening);
         enhance(view, cur, prev, factors);
     }
@@ -142,8 +162,7 @@ void prepare_picture(const DisplayView& view, VideoPicture& cur, VideoPicture& p
         return;
     }
     alloc_texture(view.output, cur.height * factors.spatial, cur.width * factors.spatial, 0);
-    interpolate(method, view.output, cur, prev,
-                static_cast<float>(view.phase_step) + view.phase_fraction, factors.temporal);
+    interpolate(method, view.output, cur, prev, phase_of(view), factors.temporal);
     if (sharpening > 0.0F) sharpening_filter(view.output, view.output, sharpening);
     if (split) show_demo_overlay(view.output, cur.rgb, show_original);
     view.shown = view.output;

@@ -17,6 +17,12 @@ std::map<const char*, gl_shader_resource*>& compiled_shaders() {
     return *programs;
 }
 
+// The last attempt at each program that does not compile.
+std::map<const char*, object_ref<gl_shader_resource>>& failed_shaders() {
+    static auto* programs = new std::map<const char*, object_ref<gl_shader_resource>>;
+    return *programs;
+}
+
 void append_to_log(const char* heading, const char* underline, const std::string& text) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen("GLShader.log", "a"),
                                                                std::fclose);
@@ -169,7 +175,10 @@ void gl_shader_resource::run(SDL_Rect r) {
 
 void gl_shader_resource::run() {
     const gl_texture_resource* target = rendertargets[0] ? rendertargets[0] : rendertargets[1];
-    if (!target) return;
+    if (!target) {
+        unbind_textures();
+        return;
+    }
     run({0, 0, static_cast<Uint16>(target->width()), static_cast<Uint16>(target->height())});
 }
 
@@ -220,11 +229,15 @@ gl_shader_resource* compile_shader(const char* source, bool keep) {
         glAttachShader(program->program_, program->shader_);
         program->attached_ = true;
         glLinkProgram(program->program_);
-        ok = program->printProgramInfoLog() && check_glerror("compile_shader(2)");
+        ok = program->printProgramInfoLog();
+        ok = check_glerror("compile_shader(2)") && ok;
     }
-    if (ok && keep) {
+    if (!keep) return program;
+    if (ok) {
         compiled_shaders()[source] = program;
         program->addref();
+    } else {
+        failed_shaders()[source] = program;
     }
     return program;
 }

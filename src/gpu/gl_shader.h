@@ -76,6 +76,6 @@ class gl_shader_resource : public object {
 ///
 /// `source` must be a literal: with `keep` a program that compiled is remembered by its address
 /// until exit, and every later call returns the same object. A program that did not compile is
-/// returned too (drawing with it has no effect), with the reason in "GLShader.log", and is never
-/// remembered. The caller owns what is not remembered.
+/// returned too (drawing with it has no effect), with the reason in "GLShader.log". It is compiled
+/// again by the next call, which releases it. Without `keep` a new program is the caller's.
 gl_shader_resource* compile_shader(const char* source, bool keep);

@@ -56,8 +56,10 @@ gl_texture_resource::gl_texture_resource(int height, int width, int format, cons
     delete_dropped_textures();
     glGenTextures(1, &name_);
     glBindTexture(target_, name_);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glTexImage2D(target_, 0, static_cast<GLint>(internal_format_), width, height, 0, pixel_format_,
                  component_type(format), data);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glTexParameteri(target_, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glTexParameteri(target_, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     glTexParameteri(target_, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);

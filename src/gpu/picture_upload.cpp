@@ -106,10 +106,8 @@ void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, BufferForm form
 }
 
 void upload_picture(VideoPicture& pic, const UploadOptions& options) {
-    bool replaced = alloc_texture(pic.rgb, pic.height, pic.width, GL_RGBA);
-    replaced |=
-        alloc_texture(pic.enhanced, pic.height * options.factor, pic.width * options.factor, 0);
-    if (replaced) pic.converted = pic.is_enhanced = false;
+    if (alloc_texture(pic.rgb, pic.height, pic.width, GL_RGBA)) pic.converted = false;
+    if (!options.enhanced) pic.enhanced = nullptr;
     upload_motion_vectors(pic);
     if (pic.buffer_filled && pic.buffer_form == BufferForm::packed) {
         upload_yuv(pic, options.staging);

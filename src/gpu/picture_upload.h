@@ -11,9 +11,10 @@ class PictureSource {
   public:
     virtual ~PictureSource() = default;
 
-    /// Writes the picture into memory of width x 3 x height bytes, in rows of width x 3 bytes for RGB
-    /// and of width bytes for the two forms of YUV.
-    virtual void fill_picture(const VideoPicture& pic, std::uint8_t* destination, BufferForm form) = 0;
+    /// Writes the picture into memory of width x 3 x height bytes, in rows of width x 3 bytes for
+    /// RGB and of width bytes for the two forms of YUV.
+    virtual void fill_picture(const VideoPicture& pic, std::uint8_t* destination,
+                              BufferForm form) = 0;
 
     /// The clocks in seconds, for the post-processing hook.
     virtual double video_clock() = 0;
@@ -31,7 +32,7 @@ void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, BufferForm form
 /// What an upload works with besides the picture.
 struct UploadOptions {
     bool pixel_buffers;                        ///< pictures travel through pixel buffers
-    int factor;                                ///< size of the enhanced texture over the picture's
+    bool enhanced;                             ///< it will be enhanced: keeps the texture for that
     object_ref<gl_texture_resource>& staging;  ///< packed YUV on its way to RGB
 };
 

@@ -36,7 +36,8 @@ void fill_pixel_buffers(const DisplayView& view) {
         VideoPicture& pic = slot(view, view.read_index + i);
         if (!pic.ready || !pic.pbo || pic.uploaded) continue;
         const BufferForm form = wanted_form(view, pic);
-        if (!pic.buffer_filled || pic.buffer_form != form) fill_pixel_buffer(pic, view.source, form);
+        if (!pic.buffer_filled || pic.buffer_form != form)
+            fill_pixel_buffer(pic, view.source, form);
     }
 }
 
@@ -68,13 +69,31 @@ void draw_textured_quad(const VideoPicture& pic, const gl_texture_resource& tex)
     glEnd();
 }
 
+void hand_over(object_ref<gl_texture_resource>& from, object_ref<gl_texture_resource>& to) {
+    if (!from || to) return;
+    to = from;
+    from = nullptr;
+}
+
+// Only a picture and the one before it need textures. Those of the other slots serve the next ones.
+void take_textures(const DisplayView& view, VideoPicture& pic) {
+    for (int i = 1; i + 1 < picture_slots; ++i) {
+        VideoPicture& other = slot(view, view.read_index + i);
+        hand_over(other.rgb, pic.rgb);
+        hand_over(other.enhanced, pic.enhanced);
+        hand_over(other.motion, pic.motion);
+    }
+}
+
 void prepare(const DisplayView& view, VideoPicture& pic, const EnhancementFactors& factors) {
     if (pic.buffer_filled && pic.buffer_form == BufferForm::interleaved) {
         upload_planes(pic, view.planes);
         view.shown = nullptr;
+        if (view.step) view.phase_fraction = 1.0F;
         view.step = false;
     } else {
         VideoPicture& prev = slot(view, view.read_index + picture_slots - 1);
+        if (!pic.uploaded) take_textures(view, pic);
         prepare_picture(view, pic, prev, factors);
     }
     pic.seen = true;
@@ -100,6 +119,14 @@ void draw_shown(const DisplayView& view, const VideoPicture& pic, const SDL_Rect
     glDisable(tex->target());
 }
 
+// A paused picture has to be shown without interpolation once. Where there is none the picture on
+// screen is that already, and the one at the read index, not seen yet, stays for later.
+bool shows_all_of_it(const DisplayView& view) {
+    return view.step && view.paused && !view.rewind && !view.fast_forward &&
+           view.shown_index >= 0 && master_settings.temporal_upscaling_factor.toInt() == 0 &&
+           !slot(view, view.read_index).seen;
+}
+
 // The picture to draw: the one at the read index once it is there, else the last one.
 VideoPicture* current_picture(const DisplayView& view) {
     if (view.queued > 0 && refreshes(view) && slot(view, view.read_index).ready) {
@@ -119,6 +146,10 @@ void clear_window(int width, int height) {
 }
 
 bool display_picture(const DisplayView& view) {
+    if (shows_all_of_it(view)) {
+        view.step = false;
+        view.phase_fraction = 1.0F;
+    }
     fill_pixel_buffers(view);
     VideoPicture* pic = current_picture(view);
     if (!pic || pic->width <= 0 || pic->height <= 0) {

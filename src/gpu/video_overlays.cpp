@@ -16,8 +16,9 @@ void draw_motion_vectors(const VideoPicture& pic) {
     constexpr float sixth = std::numbers::pi_v<float> / 6.0F;
     glColor3f(1.0F, 0.0F, 0.0F);
     glBegin(GL_LINES);
-    for (int r = 0; r < pic.grid_height; ++r) {
-        for (int c = 0; c < pic.grid_width; ++c) {
+    // The last row and column only help to interpolate.
+    for (int r = 0; r + 1 < pic.motion_vectors.rows(); ++r) {
+        for (int c = 0; c + 1 < pic.motion_vectors.columns(); ++c) {
             const MotionVector v = pic.motion_vectors[r][c];
             const float x = (static_cast<float>(c) + 0.5F) * static_cast<float>(pic.block_width);
             const float y = (static_cast<float>(r) + 0.5F) * static_cast<float>(pic.block_height);
@@ -41,8 +42,8 @@ void draw_quantization(const VideoPicture& pic) {
     if (pic.quantization_table.empty()) return;
     glEnable(GL_BLEND);
     glBegin(GL_QUADS);
-    for (int r = 0; r < pic.grid_height; ++r) {
-        for (int c = 0; c < pic.grid_width; ++c) {
+    for (int r = 0; r < pic.quantization_table.rows(); ++r) {
+        for (int c = 0; c < pic.quantization_table.columns(); ++c) {
             const float v =
                 std::min(static_cast<float>(pic.quantization_table[r][c]) / 50.0F, 1.0F);
             const int x = c * pic.block_width;

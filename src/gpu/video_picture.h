@@ -7,9 +7,9 @@
 
 #include <SDL.h>
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 /// How far a block moved, in whole pixels of the picture.
 struct MotionVector {
@@ -17,7 +17,8 @@ struct MotionVector {
     std::int32_t y = 0;
 };
 
-/// How a picture of W x H lies in its pixel buffer. The last two need planar YUV 4:2:0 of even sizes.
+/// How a picture of W x H lies in its pixel buffer. The last two need planar YUV 4:2:0 of even
+/// sizes.
 enum class BufferForm {
     rgb,          ///< H rows of W times R, G, B
     packed,       ///< H rows of W times Y; H/2 rows of W/2 times U, then W/2 times V
@@ -38,6 +39,16 @@ struct SurfaceDeleter {
 /// The video thread writes a slot while it is neither queued nor on screen; the main thread reads
 /// it while it is. GL objects are made and deleted on the main thread.
 struct VideoPicture {
+    VideoPicture() = default;
+    VideoPicture(VideoPicture&&) = default;
+    /// Slots change places. References have no assignment that a generated one could use.
+    VideoPicture& operator=(VideoPicture&& other) noexcept {
+        if (this == &other) return *this;
+        std::destroy_at(this);
+        return *std::construct_at(this, std::move(other));
+    }
+    ~VideoPicture() = default;
+
     /// 24-bit RGB pixels, without pixel-buffer objects.
     std::unique_ptr<SDL_Surface, SurfaceDeleter> surface;
     /// The decoder's planes, with pixel-buffer objects.
@@ -51,6 +62,8 @@ struct VideoPicture {
     double pts = 0.0;
     /// How many seeks lay before it.
     int seeks = 0;
+    /// Counts the pictures of a film as they are decoded.
+    std::int64_t number = 0;
     /// Width of a pixel over its height; 0 when the stream does not say.
     double sample_aspect = 0.0;
 
@@ -67,7 +80,7 @@ struct VideoPicture {
 
     /// The picture at its own size, 8 bits.
     object_ref<gl_texture_resource> rgb;
-    /// The picture after the spatial enhancement, at the enhanced size.
+    /// The picture after the spatial enhancement, at the enhanced size; null while there is none.
     object_ref<gl_texture_resource> enhanced;
     /// The vectors, a texel per cell: the cell's own and those of the next cell below on the right.
     object_ref<gl_texture_resource> motion;
@@ -80,7 +93,7 @@ struct VideoPicture {
     BufferForm buffer_form = BufferForm::rgb;
 
     /// The slot holds a complete picture.
-    std::atomic<bool> ready{false};
+    bool ready = false;
     /// The picture was on screen.
     bool seen = false;
     /// `rgb` holds this picture.
@@ -94,6 +107,11 @@ struct VideoPicture {
 
     /// Forgets what the display made of the last picture in this slot.
     void clear_flags() { seen = uploaded = is_enhanced = buffer_filled = converted = false; }
+
+    /// Nothing lies between the two: vectors and differences lead from one to the other.
+    bool follows(const VideoPicture& other) const {
+        return number == other.number + 1 && seeks == other.seeks;
+    }
 
     /// The texture to show or to interpolate: the enhanced one once there is one.
     gl_texture_resource* source() const { return is_enhanced ? enhanced : rgb; }

@@ -88,6 +88,7 @@ class VideoDisplayTest : public GlTest {
         }
         pic.allocated = 1;
         pic.pts = grey;
+        pic.number = slot;
         pic.yuv_direct = yuv;
         pic.clear_flags();
         pic.ready = true;
@@ -399,7 +400,7 @@ TEST_F(VideoDisplayTest, SurfacesAreShownToo) {
     }
     pic.ready = true;
     object_ref<gl_texture_resource> staging;
-    upload_picture(pic, {false, 1, staging});
+    upload_picture(pic, {false, false, staging});
     const Image image = download(pic.rgb);
     for (int y = 0; y < 3; ++y) {
         for (int x = 0; x < 5; ++x) {

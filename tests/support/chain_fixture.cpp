@@ -57,6 +57,7 @@ void ChainTest::queue(int slot, const Image& image, Vectors vectors) {
     make_pixel_buffer(pic);
     pic.clear_flags();
     pic.pts = slot;
+    pic.number = slot;
     fill_pixel_buffer(pic, *this, BufferForm::rgb);
     pic.ready = true;
 }
