@@ -8,8 +8,9 @@ find_package(OpenGL REQUIRED COMPONENTS OpenGL GLX)
 
 pkg_check_modules(GLU REQUIRED IMPORTED_TARGET glu)
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET
-    libavformat>=59.27 libavcodec>=59.37 libavutil>=57.28 libswscale>=6.7 libswresample>=4.7
-    libavdevice>=59.7)
+    libavformat>=59.27 libavcodec>=59.37 libavutil>=57.28 libswscale>=6.7 libswresample>=4.7)
+# Loaded when a camera is opened: its header says which one.
+pkg_check_modules(AVDEVICE REQUIRED libavdevice>=59.7)
 
 # The SDL 1.2 API: what is installed (the maintained sdl12-compat, or classic SDL 1.2), or an
 # unpacked one.

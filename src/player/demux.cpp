@@ -84,9 +84,8 @@ class Demuxing {
         is_->duration = duration > 0 ? static_cast<double>(duration) / AV_TIME_BASE : 0.0;
     }
 
-    // Reads the file through, so that it comes from memory when it plays. Starts paused.
+    // Reads the file through, so that it comes from memory when it plays.
     void preload() {
-        stream_pause(is_);
         for (int i = 0; i < preload_passes && !is_->abort_request; ++i) {
             while (!is_->abort_request &&
                    av_read_frame(is_->format_context.get(), packet_.get()) >= 0)
@@ -155,7 +154,8 @@ class Demuxing {
             av_packet_unref(packet_.get());
             return;
         }
-        if (result == AVERROR_EOF || ++failed_reads_ >= hopeless_reads) {
+        const bool nothing_yet = is_->is_camera || result == AVERROR(EAGAIN);
+        if (result == AVERROR_EOF || (!nothing_yet && ++failed_reads_ >= hopeless_reads)) {
             end_of_file_ = true;
         } else if (context->pb && context->pb->error) {
             broken_ = true;
@@ -182,7 +182,6 @@ class Demuxing {
 };
 
 void report_failure(VideoState* is) {
-    is->failed = true;
     while (!is->abort_request && !push_event(event_failed, is))
         SDL_Delay(close_poll_ms);
 }

@@ -10,6 +10,7 @@
 #include "player/refresh_plan.h"
 #include "player/video_refresh.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <thread>
@@ -39,10 +40,9 @@ double seconds(std::int64_t microseconds) {
 
 // A picture that was drawn early waits for its time, which is near.
 void sleep_until(double due) {
-    constexpr double longest = 0.02;
-    const double wait = due - seconds(wall_clock());
-    if (wait > 0.0 && wait < longest)
-        std::this_thread::sleep_for(std::chrono::duration<double>(wait));
+    constexpr double longest = 0.1;
+    const double wait = std::min(due - seconds(wall_clock()), longest);
+    if (wait > 0.0) std::this_thread::sleep_for(std::chrono::duration<double>(wait));
 }
 
 int queued_pictures(VideoState* is) {

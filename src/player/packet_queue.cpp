@@ -77,6 +77,7 @@ int packet_queue_put(PacketQueue* queue, AVPacket* packet) {
     if (!node) return -1;
     if (flush) {
         node->packet->data = packet->data;
+        node->packet->pts = packet->pts;
     } else {
         av_packet_move_ref(node->packet, packet);
     }

@@ -25,7 +25,8 @@ struct PacketQueue {
     CondPtr cond;
 };
 
-/// What a decoder must forget is announced by this one packet, known by its data pointer.
+/// What a decoder must forget is announced by this one packet, known by its data pointer. Its pts
+/// says how many seeks were carried out, as it was when the packet was queued.
 AVPacket* flush_packet();
 bool is_flush_packet(const AVPacket* packet);
 

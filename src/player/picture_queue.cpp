@@ -62,10 +62,15 @@ void store(VideoState* is, VideoPicture& slot, FramePtr& frame) {
     if (frame) av_frame_unref(frame.get());
 }
 
-double sample_aspect(VideoState* is, const AVFrame& frame) {
-    const AVRational aspect = av_guess_sample_aspect_ratio(
-        is->format_context.get(), is->video_stream, const_cast<AVFrame*>(&frame));
-    return aspect.num > 0 && aspect.den > 0 ? av_q2d(aspect) : 0.0;
+bool is_known(AVRational ratio) {
+    return ratio.num > 0 && ratio.den > 0;
+}
+
+// What the container says goes before what the decoder found.
+double sample_aspect(const VideoState* is, const AVFrame& frame) {
+    const AVRational aspect =
+        is_known(is->stream_aspect) ? is->stream_aspect : frame.sample_aspect_ratio;
+    return is_known(aspect) ? av_q2d(aspect) : 0.0;
 }
 
 void copy_rows(std::uint8_t* to, std::size_t to_stride, const std::uint8_t* from, int from_stride,
@@ -109,7 +114,10 @@ int queue_picture(VideoState* is, FramePtr& frame, double pts, int seeks) {
     VideoPicture& slot = is->pictures[static_cast<std::size_t>(is->picture_queue_windex)];
     if (!wait_for_storage(is, slot, frame->width, frame->height)) return -1;
     if (!is->scaler.supports(*frame)) {
-        std::fputs("Cannot initialize the conversion context!\n", stderr);
+        if (frame->format != is->refused_format) {
+            std::fputs("Cannot initialize the conversion context!\n", stderr);
+        }
+        is->refused_format = frame->format;
         return 1;
     }
     slot.ready = false;
@@ -123,6 +131,7 @@ int queue_picture(VideoState* is, FramePtr& frame, double pts, int seeks) {
     store(is, slot, frame);
     slot.pts = pts;
     slot.seeks = seeks;
+    slot.number = is->pictures_queued++;
     slot.clear_flags();
     slot.ready = true;
     is->picture_queue_windex = (is->picture_queue_windex + 1) % picture_slots;
@@ -150,8 +159,8 @@ void alloc_picture(VideoState* is) {
         slot.surface.reset(SDL_CreateRGBSurface(SDL_SWSURFACE, slot.width, slot.height, 24, 0xFF,
                                                 0xFF00, 0xFF0000, 0));
     }
-    is->slot_requested = false;
     slot.allocated = is->pbo_supported || slot.surface ? 1 : 0;
+    is->slot_requested = !slot.allocated;  // without memory it is asked for again
     SDL_CondSignal(is->picture_queue_cond.get());
 }
 

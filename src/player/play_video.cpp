@@ -14,10 +14,11 @@
 #include "player/stream.h"
 
 extern "C" {
-#include <libavdevice/avdevice.h>
+#include <libavdevice/version_major.h>
 #include <libavutil/log.h>
 }
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -88,12 +89,22 @@ bool open_gl() {
     init();
     reshape(screen->w, screen->h);
     check_glerror("OpenGL_init");
-    SDL_GL_SwapBuffers();
+    present_window();
     return true;
 }
 
+// The library of capture devices brings dozens of others along, which films do without: 10 MB of
+// memory and a part of the start.
+void register_capture_formats() {
+    constexpr char library[] = "libavdevice.so." AV_STRINGIFY(LIBAVDEVICE_VERSION_MAJOR);
+    void* handle = dlopen(library, RTLD_NOW);
+    if (!handle) return;
+    using Register = void (*)();
+    if (const auto all = reinterpret_cast<Register>(dlsym(handle, "avdevice_register_all"))) all();
+}
+
 const AVInputFormat* camera_format(const char* name) {
-    avdevice_register_all();
+    register_capture_formats();
     if (std::strstr(name, "1394")) return av_find_input_format("dv1394");
     const AVInputFormat* format = av_find_input_format("video4linux");
     return format ? format : av_find_input_format("video4linux2");
@@ -115,10 +126,23 @@ bool find_format(const char* name, const AVInputFormat** format) {
     return true;
 }
 
-bool quit_is_waiting() {
-    SDL_PumpEvents();
+bool ends_the_player(const SDL_Event& event) {
+    return event.type == SDL_QUIT || event.type == event_quit ||
+           (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE);
+}
+
+// Takes what comes in while a file is being read ahead, so that the queue always has room for the
+// wish to quit. Returns whether that came; the event loop will meet it again.
+bool quit_is_wanted() {
     SDL_Event event;
-    return SDL_PeepEvents(&event, 1, SDL_PEEKEVENT, SDL_QUITMASK) > 0;
+    while (SDL_PollEvent(&event)) {
+        if (ends_the_player(event)) {
+            SDL_PushEvent(&event);
+            return true;
+        }
+        if (event.type == SDL_VIDEORESIZE || event.type == event_failed) handle_event(event);
+    }
+    return false;
 }
 
 bool open_first_file(const PlayVideoArgs& args) {
@@ -128,7 +152,7 @@ bool open_first_file(const PlayVideoArgs& args) {
     VideoState* is = stream_open(args.filename, args.title, format,
                                  {args.loop, args.preload, args.postprocessing_callback});
     if (!is || !args.preload) return true;
-    while (is->preload && !quit_is_waiting())
+    while (is->preload && !quit_is_wanted())
         SDL_Delay(1);
     if (is->paused && !is->preload) stream_pause(is);
     return true;
@@ -167,8 +191,11 @@ void apply_start_values(const PlayVideoArgs& args) {
 int play_video(PlayVideoArgs* args) {
     set_thread_role(ThreadRole::main);
     av_log_set_level(AV_LOG_ERROR);
-    if (!init_sdl() || !open_window(args) || !open_gl()) return 1;
-    if (!open_first_file(*args)) return 1;
+    if (!init_sdl()) return 1;
+    if (!open_window(args) || !open_gl() || !open_first_file(*args)) {
+        SDL_Quit();  // gives the screen its own mode back
+        return 1;
+    }
     schedule_refresh(global_video_state, first_refresh_ms);
     if (args->show_banner) {
         std::puts(banner);
@@ -182,5 +209,7 @@ int play_video(PlayVideoArgs* args) {
 void do_exit() {
     close_all_streams();
     if (get_fullscreen()) set_fullscreen(0);
+    hold_refreshes(true);
     SDL_Quit();
+    hold_refreshes(false);
 }

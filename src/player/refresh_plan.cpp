@@ -54,7 +54,10 @@ void note_drawing_time(RefreshClocks& clocks, double duration) {
 RefreshPlan plan_refresh(RefreshClocks& clocks, const RefreshInput& in) {
     const double delay = picture_delay(clocks, in) * (1.0 / in.speed);
     const double subframe = delay / in.n;
-    if (clocks.frame_timer <= in.now - too_far_behind) clocks.frame_timer = in.now;
+    // Or ahead, when somebody has set the system's clock back.
+    const bool too_late = clocks.frame_timer <= in.now - too_far_behind;
+    const bool too_early = clocks.frame_timer >= in.now + too_far_behind + delay;
+    if (too_late || too_early) clocks.frame_timer = in.now;
     if (in.starved) restart_if_late(clocks, in, delay);
 
     if (in.free_running) {

@@ -57,8 +57,13 @@ Requests& requests() {
     return all;
 }
 
+std::mutex posting;
+bool refreshes_held = false;  // guarded by `posting`
+
 // Posts a refresh unless one is waiting. Returns false when SDL's queue was full.
 bool post_refresh() {
+    const std::lock_guard lock(posting);
+    if (refreshes_held) return true;
     if (refresh_scheduled.exchange(true)) return true;
     if (push_event(event_refresh, global_video_state)) return true;
     refresh_scheduled = false;
@@ -79,12 +84,21 @@ int timer_interval(int ms) {
 
 void schedule_refresh(VideoState* is, int ms) {
     if (maximize_fps(is) && post_refresh()) return;
+    schedule_refresh_later(is, ms);
+}
+
+void schedule_refresh_later(VideoState* /*is*/, int ms) {
     void* request = requests().add(Clock::now() + std::chrono::milliseconds(ms));
     const auto interval = static_cast<Uint32>(timer_interval(ms));
     if (SDL_AddTimer(interval, sdl_refresh_timer_cb, request)) return;
     // Without timers the player would stop for good; a busy loop shows pictures at least.
     requests().take(request);
     post_refresh();
+}
+
+void hold_refreshes(bool held) {
+    const std::lock_guard lock(posting);
+    refreshes_held = held;
 }
 
 Uint32 sdl_refresh_timer_cb(Uint32 /*interval*/, void* param) {

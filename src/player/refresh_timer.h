@@ -16,6 +16,13 @@ bool maximize_fps(const VideoState* is);
 /// [main]
 void schedule_refresh(VideoState* is, int ms);
 
+/// The same, but never at once: for a picture that does not change. [main]
+void schedule_refresh_later(VideoState* is, int ms);
+
+/// While refreshes are held, timers that fire post nothing. No callback is posting any more when
+/// this returns, so that SDL can be shut down. [main]
+void hold_refreshes(bool held);
+
 /// One-shot SDL timer callback: posts the refresh that the request `param` stands for. [timer]
 Uint32 sdl_refresh_timer_cb(Uint32 interval, void* param);
 

@@ -22,18 +22,25 @@ bool may_step(const VideoState* is) {
     return is->seeks_seen == is->seeks_done && !is->last_seek_failed;
 }
 
-void forget_queued(PacketQueue& queue) {
+void forget_queued(PacketQueue& queue, int seek) {
     packet_queue_flush(&queue);
+    flush_packet()->pts = seek;
     packet_queue_put(&queue, flush_packet());
+}
+
+// Nothing lies before the start, so that no position ever does.
+std::int64_t within_file(const AVFormatContext* context, std::int64_t target) {
+    const bool known = context->start_time != AV_NOPTS_VALUE;
+    return std::max(target, known ? context->start_time : 0);
 }
 
 void restart_queues(VideoState* is, std::int64_t target) {
     is->seek_target = target;
     is->last_seek_failed = false;
     is->last_seek_time = wall_clock();
-    ++is->seeks_done;
-    if (is->audio_stream_index >= 0) forget_queued(is->audio_queue);
-    if (is->video_stream_index >= 0) forget_queued(is->video_queue);
+    const int seek = ++is->seeks_done;
+    if (is->audio_stream_index >= 0) forget_queued(is->audio_queue, seek);
+    if (is->video_stream_index >= 0) forget_queued(is->video_queue, seek);
 }
 
 }  // namespace
@@ -41,7 +48,7 @@ void restart_queues(VideoState* is, std::int64_t target) {
 bool seek_file(VideoState* is, std::int64_t target, int flags, bool try_backwards) {
     AVFormatContext* context = is->format_context.get();
     const int index = reference_stream(is);
-    if (context->start_time != AV_NOPTS_VALUE) target = std::max(target, context->start_time);
+    target = within_file(context, target);
     const AVStream* stream = stream_at(is, index);
     const std::int64_t timestamp =
         stream ? av_rescale_q(target, AV_TIME_BASE_Q, stream->time_base) : target;
@@ -65,10 +72,10 @@ bool carry_out_seek(VideoState* is) {
         if (!may_step(is)) return false;
         target = current + (forward ? scan_step : -scan_step);
         flags = forward ? 0 : AVSEEK_FLAG_BACKWARD;
-        is->seek_position = current;
     } else if (target < current) {
         flags |= AVSEEK_FLAG_BACKWARD;
     }
+    target = within_file(is->format_context.get(), target);
 
     const bool found = seek_file(is, target, flags, !forward);
     if (found) {

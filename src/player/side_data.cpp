@@ -52,10 +52,10 @@ std::span<const AVMotionVector> vectors_of(const AVFrame* frame) {
             data->size / sizeof(AVMotionVector)};
 }
 
-// These decoders report twice the value that the stream's table holds.
+// The decoders of MPEG-4 and its relatives report twice the value that the stream's table holds.
 bool reports_doubled_quantiser(AVCodecID codec) {
-    return codec == AV_CODEC_ID_MPEG4 || codec == AV_CODEC_ID_H263 || codec == AV_CODEC_ID_H263P ||
-           codec == AV_CODEC_ID_H263I || codec == AV_CODEC_ID_FLV1;
+    return exports_motion_vectors(codec) && codec != AV_CODEC_ID_H264 &&
+           codec != AV_CODEC_ID_MPEG1VIDEO && codec != AV_CODEC_ID_MPEG2VIDEO;
 }
 
 std::uint8_t quantiser(int q, AVCodecID codec) {

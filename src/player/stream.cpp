@@ -31,7 +31,8 @@ struct Records {
 };
 
 Records& records() {
-    static Records all;
+    // Never destroyed: threads may still run when a library ends the process.
+    static auto& all = *new Records;
     return all;
 }
 
@@ -135,6 +136,7 @@ VideoState* stream_open(const char* name, const char* title, const AVInputFormat
     is->preload = options.preload && !is->is_camera;
     is->postprocessing_callback = options.postprocessing_callback;
     flush_packet();
+    if (is->preload) stream_pause(is);  // until it is read
     set_caption(name, title);
     reset_video_scaling_animation();
     global_video_pkt_pts = AV_NOPTS_VALUE;

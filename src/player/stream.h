@@ -6,7 +6,7 @@
 /// How a file is opened.
 struct StreamOptions {
     bool loop = false;     ///< start again at the end
-    bool preload = false;  ///< read the file twice before it plays
+    bool preload = false;  ///< read the file twice before it plays; it is paused until resumed
     PostprocessingCallback postprocessing_callback = nullptr;
 };
 

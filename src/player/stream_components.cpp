@@ -21,12 +21,8 @@ void fit_spatial_factor(int width, int height) {
 
 double average_frame_rate(const AVStream* stream, const AVCodecContext* codec) {
     const AVRational average = stream->avg_frame_rate;
-    double rate = 0.0;
-    if (average.den != 0) {
-        rate = av_q2d(average);
-    } else if (codec->framerate.den != 0) {
-        rate = av_q2d(codec->framerate);
-    }
+    if (average.num > 0 && average.den > 0) return av_q2d(average);
+    const double rate = codec->framerate.den != 0 ? av_q2d(codec->framerate) : 0.0;
     const bool believable = rate > 0.0 && rate <= fastest_average;
     if (believable || stream->r_frame_rate.den == 0) return rate;
     return av_q2d(stream->r_frame_rate);
@@ -43,10 +39,13 @@ StreamInfo video_stream_info(const AVStream* stream, const AVCodecContext* codec
 }
 
 int open_video(VideoState* is, AVStream* stream, int index) {
-    is->video_codec = open_video_decoder(is, stream);
+    is->video_codec = open_video_decoder(stream);
     if (!is->video_codec) return -1;
     is->video_stream = stream;
     is->video_info = video_stream_info(stream, is->video_codec.get());
+    is->stream_aspect = stream->sample_aspect_ratio;
+    const AVRational rate = av_guess_frame_rate(is->format_context.get(), stream, nullptr);
+    is->stream_frame_duration = rate.num > 0 && rate.den > 0 ? av_q2d(av_inv_q(rate)) : 0.0;
     const std::int64_t now = wall_clock();
     is->clocks.frame_timer = static_cast<double>(now) / 1000000.0;
     is->clocks.frame_last_delay = first_picture_delay;

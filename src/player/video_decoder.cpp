@@ -42,7 +42,7 @@ void configure(AVCodecContext* codec, AVStream* stream) {
 
 }  // namespace
 
-CodecContextPtr open_video_decoder(VideoState* /*is*/, AVStream* stream) {
+CodecContextPtr open_video_decoder(AVStream* stream) {
     const AVCodec* decoder = avcodec_find_decoder(stream->codecpar->codec_id);
     CodecContextPtr codec(decoder ? avcodec_alloc_context3(decoder) : nullptr);
     bool ok = codec && avcodec_parameters_to_context(codec.get(), stream->codecpar) >= 0;
@@ -76,8 +76,5 @@ AVPixelFormat our_get_format(AVCodecContext* codec, const AVPixelFormat* formats
 double frame_duration(const VideoState* is) {
     const AVRational coded = is->video_codec->framerate;
     if (coded.num > 0 && coded.den > 0) return av_q2d(av_inv_q(coded));
-    const AVRational guessed =
-        av_guess_frame_rate(is->format_context.get(), is->video_stream, nullptr);
-    if (guessed.num > 0 && guessed.den > 0) return av_q2d(av_inv_q(guessed));
-    return 0.04;
+    return is->stream_frame_duration > 0.0 ? is->stream_frame_duration : 0.04;
 }

@@ -9,7 +9,7 @@ extern std::atomic<int> decoder_threads;
 /// Opens the decoder of a video stream, set up for the display: motion vectors and quantisers told,
 /// pictures preferably planar YUV 4:2:0. Null, with a message on standard error, when that fails.
 /// [demux]
-CodecContextPtr open_video_decoder(VideoState* is, AVStream* stream);
+CodecContextPtr open_video_decoder(AVStream* stream);
 
 /// Decoder callbacks. A picture's buffer remembers the newest packet's time stamp; formats are
 /// negotiated towards planar YUV 4:2:0 and 24-bit RGB. May run on the decoder's own threads.

@@ -7,6 +7,8 @@
 #include "player/refresh_plan.h"
 #include "player/refresh_timer.h"
 
+#include <utility>
+
 std::int64_t lastframe_timestamp[timestamp_ring_size] = {};
 int lastframe_timestamp_qi = 0;
 
@@ -21,6 +23,16 @@ double video_fps = 0.0;
 int queued_pictures(VideoState* is) {
     const MutexLock lock(is->picture_queue_mutex);
     return is->picture_queue_size;
+}
+
+// The video thread leaves alone the slot before the read index. The picture on screen moves there
+// when others go unseen: it may have to be drawn again.
+void keep_shown_picture(VideoState* is) {
+    const int released = is->picture_queue_rindex;
+    if (is->shown_picture < 0 || is->shown_picture == released) return;
+    std::swap(is->pictures[static_cast<std::size_t>(is->shown_picture)],
+              is->pictures[static_cast<std::size_t>(released)]);
+    is->shown_picture = released;
 }
 
 void show(VideoState* is) {
@@ -38,7 +50,10 @@ VideoPicture& head(VideoState* is) {
 // The newest picture of a live source, as soon as possible.
 void refresh_camera(VideoState* is, int queued) {
     if (queued > 1) release_picture(is);
-    schedule_refresh(is, camera_ms);
+    schedule_refresh_later(is, camera_ms);
+    // The picture itself, not one between it and the one before.
+    is->clocks.subframe_counter = master_settings.temporal_upscaling_factor.toInt() + 1;
+    is->clocks.interpolation_phase = 0.0F;
     show(is);
 }
 
@@ -85,7 +100,7 @@ bool refresh_picture(VideoState* is, int queued) {
 void refresh_video(VideoState* is) {
     const bool scanning = is->rewind || is->fast_forward;
     if (is->paused && !scanning) {
-        schedule_refresh(is, idle_ms);
+        schedule_refresh_later(is, idle_ms);
         show(is);
         return;
     }
@@ -94,7 +109,7 @@ void refresh_video(VideoState* is) {
         if (queued == 0) {
             is->starved = true;
             show(is);
-            schedule_refresh(is, idle_ms);
+            schedule_refresh_later(is, idle_ms);
             return;
         }
         if (!scanning && head(is).seeks != is->seeks_done) {
@@ -134,6 +149,7 @@ bool video_suppressed() {
 
 void release_picture(VideoState* is) {
     is->clocks.subframe_counter = 0;
+    keep_shown_picture(is);
     is->picture_queue_rindex = (is->picture_queue_rindex + 1) % picture_slots;
     const MutexLock lock(is->picture_queue_mutex);
     --is->picture_queue_size;

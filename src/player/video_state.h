@@ -90,6 +90,9 @@ struct VideoState {
     CodecContextPtr video_codec;
     PacketQueue video_queue;
     StreamInfo video_info;
+    AVRational stream_aspect{0, 1};        ///< of a pixel by the container. [demux], then [video]
+    double stream_frame_duration = 0.0;    ///< seconds, 0 when unknown. [demux], then [video]
+    int refused_format = AV_PIX_FMT_NONE;  ///< last one that cannot be converted. [video]
     PictureScaler scaler;
     bool pbo_supported = false;        ///< pictures travel through pixel-buffer objects
     bool show_motion_vectors = false;  ///< [main]
@@ -100,10 +103,11 @@ struct VideoState {
     // belong to [main], the one at the write index to [video].
     std::array<VideoPicture, picture_slots> pictures;
     int picture_queue_size = 0;
-    int picture_queue_rindex = 0;  ///< [main]
-    int picture_queue_windex = 0;  ///< [video]
-    bool slot_requested = false;   ///< the slot at the write index wants storage
-    int slot_width = 0;            ///< of that size
+    int picture_queue_rindex = 0;      ///< [main]
+    int picture_queue_windex = 0;      ///< [video]
+    std::int64_t pictures_queued = 0;  ///< since the file was opened. [video]
+    bool slot_requested = false;       ///< the slot at the write index wants storage
+    int slot_width = 0;                ///< of that size
     int slot_height = 0;
     std::atomic<bool> yuv_direct{false};        ///< pictures can be converted on the GPU
     std::atomic<bool> decoder_finished{false};  ///< every picture of the file is queued
@@ -131,7 +135,6 @@ struct VideoState {
     // Published for the interface.
     std::atomic<double> duration{0.0};  ///< seconds, 0 when unknown
     std::atomic<double> position{0.0};  ///< seconds
-    std::atomic<bool> failed{false};    ///< the file could not be opened or played
 
     // Threads.
     SDL_Thread* demux_thread = nullptr;

@@ -7,6 +7,8 @@
 namespace {
 
 constexpr Uint32 pause_poll_ms = 10;
+// A decoder that reports more errors in a row, without taking a packet, never comes to an end.
+constexpr int most_errors = 256;
 
 // The decoding of one film, on its thread.
 class VideoDecoding {
@@ -45,7 +47,7 @@ class VideoDecoding {
         draining_ = false;
         is_->decoder_finished = false;
         is_->video_clock = static_cast<double>(is_->seek_target) / 1000000.0;
-        seek_ = is_->seeks_done;
+        seek_ = static_cast<int>(packet_->pts);
     }
 
     // Sends the packet and queues every picture that comes out. Returns false when the film closes.
@@ -63,10 +65,10 @@ class VideoDecoding {
         draining_ = drain;
         for (;;) {
             const int sent = send(drain);
-            const int before = received_;
-            if (!queue_pictures()) return false;
+            int taken = 0;
+            if (!queue_pictures(drain, taken)) return false;
             // A decoder that is full takes the packet once its pictures are out.
-            if (sent != AVERROR(EAGAIN) || received_ == before) return true;
+            if (sent != AVERROR(EAGAIN) || taken == 0) return true;
         }
     }
 
@@ -88,12 +90,22 @@ class VideoDecoding {
         return avcodec_receive_frame(is_->video_codec.get(), frame_.get());
     }
 
-    bool queue_pictures() {
+    // Queues what the decoder gives and counts in `taken` how often it gave anything, errors
+    // included: with frame threads each thread tells of its damaged picture by itself. Returns
+    // false when the film closes.
+    bool queue_pictures(bool drain, int& taken) {
+        int errors = 0;
         for (;;) {
             const int result = receive();
-            if (result == AVERROR_EOF) is_->decoder_finished = true;
+            const bool damaged = result < 0 && result != AVERROR_EOF && result != AVERROR(EAGAIN);
+            if (damaged && ++errors <= most_errors) {
+                ++taken;
+                continue;
+            }
+            if (result == AVERROR_EOF || (drain && result < 0)) is_->decoder_finished = true;
             if (result < 0) return true;
-            ++received_;
+            errors = 0;
+            ++taken;
             if (!queue_frame()) return false;
         }
     }
@@ -113,7 +125,6 @@ class VideoDecoding {
     PacketPtr packet_;
     FramePtr frame_;
     bool draining_ = false;
-    int received_ = 0;
     int seek_ = 0;  // the last seek whose flush packet came through
 };
 
