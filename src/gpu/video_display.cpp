@@ -159,6 +159,11 @@ bool display_picture(const DisplayView& view) {
     const EnhancementFactors factors = enhancement_factors(pic->width, pic->height);
     if (view.queued > 0 && pic == &slot(view, view.read_index) && refreshes(view)) {
         prepare(view, *pic, factors);
+    } else if (view.queued == 0 && refreshes(view) && view.shown && pic->uploaded && pic->rgb) {
+        // The last one stays, whole, not as it was on the way from the one before.
+        VideoPicture nothing;
+        nothing.number = pic->number;
+        prepare_picture(view, *pic, nothing, factors);
     }
     SDL_Rect r = destination_rectangle(master_settings.spatial_zoom.toInt(), pic->height,
                                        display_aspect(pic->width, pic->height, pic->sample_aspect),

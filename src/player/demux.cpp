@@ -7,6 +7,7 @@
 #include "player/stream.h"
 
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -17,6 +18,18 @@ constexpr Uint32 close_poll_ms = 10;
 constexpr int preload_passes = 2;
 // A demuxer that fails this often in a row has nothing more to give.
 constexpr int hopeless_reads = 100;
+
+// A camera lends its own memory, which is gone when it is closed; pictures may stay longer. Returns
+// false when memory runs out.
+bool own_data(AVPacket& packet) {
+    const PacketPtr copy(av_packet_alloc());
+    if (!copy || av_new_packet(copy.get(), packet.size) < 0) return false;
+    std::memcpy(copy->data, packet.data, static_cast<std::size_t>(packet.size));
+    if (av_packet_copy_props(copy.get(), &packet) < 0) return false;
+    av_packet_unref(&packet);
+    av_packet_move_ref(&packet, copy.get());
+    return true;
+}
 
 // The demuxing of one file, on its thread.
 class Demuxing {
@@ -167,6 +180,7 @@ class Demuxing {
     void queue_packet() {
         // To a decoder a packet without data would mean the end of the file.
         if (packet_->size == 0) return;
+        if (is_->is_camera && !own_data(*packet_)) return;
         if (packet_->stream_index == is_->video_stream_index) {
             packet_queue_put(&is_->video_queue, packet_.get());
         } else if (packet_->stream_index == is_->audio_stream_index) {

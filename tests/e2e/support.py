@@ -305,3 +305,15 @@ class PlayerTestCase(unittest.TestCase):
 
         wait_for(at_rest, 5, "a picture at rest")
         return last[0]
+
+    def picture_at_rest(self, player):
+        """The window of a paused player, once it has stayed the same for a while."""
+        same = []
+
+        def rests(picture):
+            if same and same[0] != picture.data:
+                same.clear()
+            same.append(picture.data)
+            return len(same) == 6
+
+        return player.look_until(rests, "a picture at rest")

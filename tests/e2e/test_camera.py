@@ -27,17 +27,15 @@ class Camera(PlayerTestCase):
 
     def test_options_reach_the_device(self):
         player = self.film("cam:/dev/video0,video_size=640x480")
-        player.window()
-        time.sleep(1.5 * PATIENCE)
-        picture = player.look()
         # 4:3 fills the window.
-        self.assertAlmostEqual(picture.pixel(3, 590)[1], 92, delta=3)
+        player.look_until(lambda shot: abs(shot.pixel(3, 590)[1] - 92) <= 3, "a full window")
         self.assertEqual(player.quit(), 0)
 
     def test_pause(self):
         player = self.film("cam:/dev/video0,video_size=320x180")
         self.await_number(player, lambda n: n > 3, 10, "pictures")
         player.key("space")
+        self.picture_at_rest(player)
         at_rest = self.paused_number(player)
         time.sleep(0.7)
         self.assertEqual(self.number(player), at_rest)

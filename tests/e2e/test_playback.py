@@ -45,16 +45,6 @@ class Playback(PlayerTestCase):
         wait_for(pause_later, 20, "a frame after the fifth")
         return found
 
-    def picture_at_rest(self, player):
-        last = []
-
-        def same(picture):
-            unchanged = last == [picture.data]
-            last[:] = [picture.data]
-            return unchanged
-
-        player.look_until(same, "a picture at rest")
-
     def test_borders_are_dark_and_the_picture_is_centred(self):
         player = self.start(clip("h264.mp4"))
         self.number(player)
