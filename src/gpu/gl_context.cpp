@@ -30,7 +30,8 @@ const char* gl_text(GLenum what) {
 
 bool load_gl() {
     const GLenum error = glewInit();
-    if (error != GLEW_OK) {
+    // Where there is no GLX, under Wayland, GLEW says so after it has loaded everything else.
+    if (error != GLEW_OK && error != GLEW_ERROR_NO_GLX_DISPLAY) {
         std::fprintf(stderr, "GLEW: %s\n",
                      reinterpret_cast<const char*>(glewGetErrorString(error)));
         return false;

@@ -31,7 +31,8 @@ static_assert(sizeof(void*) != 8 || sizeof(PlayVideoArgs) == 576);
 static_assert(sizeof(void*) != 8 || offsetof(PlayVideoArgs, postprocessing_callback) == 544);
 
 /// Runs the player until the user quits. Returns 0 then, and 1 when it cannot start, with the
-/// reason on standard error. Of the record only the size of the window is written. [main]
+/// reason on standard error. Of the record only the size of the window is written. Once per
+/// process: programs and textures do not survive the window. [main]
 int play_video(PlayVideoArgs* args);
 
 /// Fixed state of OpenGL, and vertical synchronisation on. [main]

@@ -24,6 +24,8 @@ BELOW = {
 }
 FFMPEG = re.compile(r"^(libav\w+|libsw\w+)/")
 OPENGL = re.compile(r"^GL/")
+OPENGL_CALL = re.compile(r"\bgl[A-Z]\w*\(")
+NO_OPENGL = ("core", "audio", "player", "media", "videoio")
 
 
 def complaints(source):
@@ -34,7 +36,10 @@ def complaints(source):
             path = os.path.join(folder, name)
             layer = os.path.relpath(path, source).split(os.sep)[0]
             with open(path, encoding="utf-8") as text:
-                includes = re.findall(r'^\s*#\s*include\s*[<"]([^>"]+)[>"]', text.read(), re.M)
+                content = text.read()
+            includes = re.findall(r'^\s*#\s*include\s*[<"]([^>"]+)[>"]', content, re.M)
+            if layer in NO_OPENGL and OPENGL_CALL.search(content):
+                yield f"{path}: a call of OpenGL in {layer}"
             for include in includes:
                 target = include.split("/")[0]
                 if layer not in BELOW:
@@ -43,7 +48,7 @@ def complaints(source):
                     yield f"{path}: {layer} must not include {include}"
                 if FFMPEG.match(include) and name.endswith(".h") and layer in ("gpu", "audio", "gui"):
                     yield f"{path}: FFmpeg in a header of {layer}"
-                if OPENGL.match(include) and layer in ("player", "media", "videoio"):
+                if OPENGL.match(include) and layer in NO_OPENGL:
                     yield f"{path}: OpenGL in {layer}"
 
 
