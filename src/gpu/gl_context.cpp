@@ -52,8 +52,8 @@ void init_gl_state() {
     glTexParameteri(target, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(target, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &max_texture_size);
-    max_texture_size = std::min(max_texture_size, largest_texture_used);
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &texture_size_limit);
+    max_texture_size = std::min(texture_size_limit, largest_texture_used);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 int max_texture_size = 0;
+int texture_size_limit = 0;
 bool hwaccelerated_nvidia = true;
 bool hwaccelerated_ati = false;
 

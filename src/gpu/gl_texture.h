@@ -8,6 +8,8 @@
 
 /// The largest side of a texture that the driver takes, at most 8192. Set at start-up.
 extern int max_texture_size;
+/// Largest width and height that OpenGL takes at all.
+extern int texture_size_limit;
 
 /// Which ways `gl_texture_resource::transfer_to_texture` uploads. Both may be on.
 extern bool hwaccelerated_nvidia;

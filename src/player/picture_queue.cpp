@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "player/picture_queue.h"
 
+#include "gpu/gl_texture.h"
 #include "gpu/picture_upload.h"
 #include "platform/threads.h"
 #include "player/side_data.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -108,9 +110,21 @@ void interleave_yuv(const AVFrame& frame, std::uint8_t* destination) {
 
 }  // namespace
 
+bool can_be_shown(int width, int height) {
+    if (std::max(width, height) <= texture_size_limit) return true;
+    std::fprintf(stderr, "Pictures of %d x %d are larger than OpenGL takes here (%d x %d)!\n",
+                 width, height, texture_size_limit, texture_size_limit);
+    return false;
+}
+
 int queue_picture(VideoState* is, FramePtr& frame, double pts, int seeks) {
     assert_thread(ThreadRole::video);
     if (!wait_for_free_slot(is)) return -1;
+    const bool new_size = frame->width != is->last_width || frame->height != is->last_height;
+    is->last_width = frame->width;
+    is->last_height = frame->height;
+    if (new_size) is->too_large = !can_be_shown(frame->width, frame->height);
+    if (is->too_large) return 1;
     VideoPicture& slot = is->pictures[static_cast<std::size_t>(is->picture_queue_windex)];
     if (!wait_for_storage(is, slot, frame->width, frame->height)) return -1;
     if (!is->scaler.supports(*frame)) {

@@ -8,6 +8,9 @@ struct LibraryFrame : DecodedFrame {
     FramePtr frame;
 };
 
+/// Whether pictures of this size fit into a texture; says so on standard error where not. Any thread.
+bool can_be_shown(int width, int height);
+
 /// Puts a decoded picture into the next free slot, waiting for one. `frame` may be taken over. `seeks`
 /// is the number of seeks before it.
 /// Returns 0, -1 when the film is being closed, 1 when the picture cannot be converted. [video]

@@ -3,6 +3,7 @@
 #include "gpu/gl_texture.h"
 #include "player/clocks.h"
 #include "player/demux.h"
+#include "player/picture_queue.h"
 #include "player/video_decoder.h"
 
 namespace {
@@ -40,7 +41,10 @@ StreamInfo video_stream_info(const AVStream* stream, const AVCodecContext* codec
 
 int open_video(VideoState* is, AVStream* stream, int index) {
     is->video_codec = open_video_decoder(stream);
-    if (!is->video_codec) return -1;
+    if (!is->video_codec || !can_be_shown(is->video_codec->width, is->video_codec->height)) {
+        is->video_codec.reset();
+        return -1;
+    }
     is->video_stream = stream;
     is->video_info = video_stream_info(stream, is->video_codec.get());
     is->stream_aspect = stream->sample_aspect_ratio;

@@ -90,8 +90,11 @@ struct VideoState {
     CodecContextPtr video_codec;
     PacketQueue video_queue;
     StreamInfo video_info;
-    AVRational stream_aspect{0, 1};        ///< of a pixel by the container. [demux], then [video]
-    double stream_frame_duration = 0.0;    ///< seconds, 0 when unknown. [demux], then [video]
+    AVRational stream_aspect{0, 1};      ///< of a pixel by the container. [demux], then [video]
+    double stream_frame_duration = 0.0;  ///< seconds, 0 when unknown. [demux], then [video]
+    int last_width = 0;                  ///< of the last picture decoded. [video]
+    int last_height = 0;
+    bool too_large = false;                ///< for a texture. [video]
     int refused_format = AV_PIX_FMT_NONE;  ///< last one that cannot be converted. [video]
     PictureScaler scaler;
     bool pbo_supported = false;        ///< pictures travel through pixel-buffer objects

@@ -76,6 +76,21 @@ INSTANTIATE_TEST_SUITE_P(Clips, StrangeFilms,
                                            Playable{"broken_sound.mkv", 100, 100, 320, 180}),
                          clip_test_name<Playable>);
 
+TEST_F(BadInput, PicturesLargerThanATextureAreNotShown) {
+    const int kept = texture_size_limit;
+    texture_size_limit = 300;
+    ::testing::internal::CaptureStderr();
+    VideoState* wide = open("mjpeg.avi");  // 320 x 180
+    EXPECT_TRUE(wait_until([&] { return failed(wide) || wide->audio_stream_index >= 0; }));
+    EXPECT_EQ(wide->video_stream_index, -1);
+    stream_close(wide);
+    texture_size_limit = kept;
+    const std::string said = ::testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find("Pictures of 320 x 180 are larger than OpenGL takes here (300 x 300)!\n"),
+              std::string::npos)
+        << said;
+}
+
 TEST_F(BadInput, CoverArtIsNoFilm) {
     VideoState* is = open("cover.mp3");
     wait_until([&] { return failed(is) || is->audio_stream_index >= 0; });
