@@ -8,6 +8,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/dict.h>
 #include <libavutil/frame.h>
+#include <libswresample/swresample.h>
 #include <libswscale/swscale.h>
 }
 
@@ -31,6 +32,9 @@ struct FormatOutputDeleter {
         avformat_free_context(context);
     }
 };
+struct ResamplerDeleter {
+    void operator()(SwrContext* context) const { swr_free(&context); }
+};
 struct ScalerDeleter {
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };
@@ -42,6 +46,7 @@ using CodecContextPtr = std::unique_ptr<AVCodecContext, CodecContextDeleter>;
 using FormatInputPtr = std::unique_ptr<AVFormatContext, FormatInputDeleter>;
 /// An allocated output and the file it writes, if that is open.
 using FormatOutputPtr = std::unique_ptr<AVFormatContext, FormatOutputDeleter>;
+using ResamplerPtr = std::unique_ptr<SwrContext, ResamplerDeleter>;
 using ScalerPtr = std::unique_ptr<SwsContext, ScalerDeleter>;
 
 /// Options handed to the library by name.

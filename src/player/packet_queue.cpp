@@ -42,6 +42,16 @@ PacketNode* take_first(PacketQueue* queue) {
     return node;
 }
 
+// Moves the oldest packet into `packet`. The queue is locked. Returns false when it is empty.
+bool take_packet(PacketQueue* queue, AVPacket* packet) {
+    if (!queue->first) return false;
+    PacketNode* node = take_first(queue);
+    av_packet_unref(packet);
+    av_packet_move_ref(packet, node->packet);
+    free_node(node);
+    return true;
+}
+
 }  // namespace
 
 AVPacket* flush_packet() {
@@ -105,16 +115,27 @@ int packet_queue_get(PacketQueue* queue, AVPacket* packet, bool block) {
     MutexLock lock(queue->mutex);
     for (;;) {
         if (queue->abort_request) return -1;
-        if (queue->first) {
-            PacketNode* node = take_first(queue);
-            av_packet_unref(packet);
-            av_packet_move_ref(packet, node->packet);
-            free_node(node);
-            return 1;
-        }
+        if (take_packet(queue, packet)) return 1;
         if (!block) return 0;
         lock.wait(queue->cond);
     }
+}
+
+int packet_queue_get_within(PacketQueue* queue, AVPacket* packet, Uint32 ms) {
+    const Uint32 start = SDL_GetTicks();
+    MutexLock lock(queue->mutex);
+    for (;;) {
+        if (queue->abort_request) return -1;
+        if (take_packet(queue, packet)) return 1;
+        const Uint32 waited = SDL_GetTicks() - start;
+        if (waited >= ms) return 0;
+        lock.wait_for(queue->cond, ms - waited);
+    }
+}
+
+bool packet_queue_flush_waits(PacketQueue* queue) {
+    const MutexLock lock(queue->mutex);
+    return queue->first && is_flush_packet(queue->first->packet);
 }
 
 void packet_queue_flush(PacketQueue* queue) {

@@ -49,6 +49,12 @@ int packet_queue_put_empty(PacketQueue* queue, int stream_index);
 /// is false, -1 when the queue was aborted.
 int packet_queue_get(PacketQueue* queue, AVPacket* packet, bool block);
 
+/// The same, but waits for `ms` milliseconds at most.
+int packet_queue_get_within(PacketQueue* queue, AVPacket* packet, Uint32 ms);
+
+/// Whether the oldest packet is the flush packet: everything taken before it is out of date.
+bool packet_queue_flush_waits(PacketQueue* queue);
+
 /// Drops every waiting packet. The abort request stays as it is.
 void packet_queue_flush(PacketQueue* queue);
 
