@@ -2,6 +2,7 @@
 #include "player/demux.h"
 
 #include "platform/threads.h"
+#include "player/audio_output.h"
 #include "player/clocks.h"
 #include "player/seeking.h"
 #include "player/stream.h"
@@ -142,6 +143,9 @@ class Demuxing {
         if (is_->video_stream_index >= 0) {
             packet_queue_put_empty(&is_->video_queue, is_->video_stream_index);
         }
+        if (is_->audio_stream_index >= 0 && sound_is_delayed()) {
+            packet_queue_put_empty(&is_->audio_queue, is_->audio_stream_index);
+        }
         SDL_Delay(end_poll_ms);
         if (everything_played() && push_event(event_end_of_stream, is_)) {
             SDL_Delay(after_end_event_ms);
@@ -149,9 +153,15 @@ class Demuxing {
         end_of_file_ = false;
     }
 
-    // Nothing is queued, the decoder holds nothing back, and its pictures are on screen.
+    bool sound_is_delayed() const {
+        return (is_->audio_codec->codec->capabilities & AV_CODEC_CAP_DELAY) != 0;
+    }
+
+    // Nothing is queued, the decoders hold nothing back, the pictures are on screen and the sound
+    // has gone to its device. In this order: a packet leaves the queue before it is heard.
     bool everything_played() const {
-        if (is_->audio_stream_index >= 0 && is_->audio_queue.byte_size > 0) return false;
+        const bool has_audio = is_->audio_stream_index >= 0;
+        if (has_audio && (is_->audio_queue.byte_size > 0 || !sound_is_over(is_))) return false;
         if (is_->video_stream_index < 0) return true;
         if (is_->video_queue.byte_size > 0 || !is_->decoder_finished) return false;
         const MutexLock lock(is_->picture_queue_mutex);
@@ -184,6 +194,7 @@ class Demuxing {
         if (packet_->stream_index == is_->video_stream_index) {
             packet_queue_put(&is_->video_queue, packet_.get());
         } else if (packet_->stream_index == is_->audio_stream_index) {
+            is_->sound_over = false;
             packet_queue_put(&is_->audio_queue, packet_.get());
         }
     }

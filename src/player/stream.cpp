@@ -92,6 +92,14 @@ void free_pictures(VideoState* is) {
     clear_texture_cache();
 }
 
+void free_sound(VideoState* is) {
+    is->audio.reset();
+    is->resampler_in.reset();
+    is->resampler_out.reset();
+    for (auto& scope : is->audio_scope)
+        scope = nullptr;
+}
+
 // The library looks at the abort request between system calls. Reads that block, from a pipe or a
 // device that stays silent, are broken off.
 void end_demux_thread(VideoState* is) {
@@ -155,6 +163,7 @@ void stream_close(VideoState* is) {
     end_demux_thread(is);
     free_pictures(is);
     is->scaler.reset();
+    free_sound(is);
     is->picture_queue_cond.reset();
     is->picture_queue_mutex.reset();
     is->audio_decoder_mutex.reset();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "core/settings.h"
 #include "gpu/gl_texture.h"
+#include "player/audio_output.h"
 #include "player/clocks.h"
 #include "player/demux.h"
 #include "player/picture_queue.h"
@@ -90,6 +91,8 @@ int stream_component_open(VideoState* is, int stream_index) {
     switch (stream->codecpar->codec_type) {
         case AVMEDIA_TYPE_VIDEO:
             return open_video(is, stream, stream_index);
+        case AVMEDIA_TYPE_AUDIO:
+            return open_audio(is, stream, stream_index);
         default:
             return -1;
     }
@@ -100,5 +103,8 @@ void stream_component_close(VideoState* is, int stream_index) {
     if (stream_index == is->video_stream_index) {
         is->video_stream_index = -1;
         close_video(is);
+    } else if (stream_index == is->audio_stream_index) {
+        is->audio_stream_index = -1;
+        close_audio(is);
     }
 }

@@ -82,6 +82,7 @@ bool refresh_picture(VideoState* is, int queued) {
     if (in.starved && plan.display) {
         // The first picture takes long to draw. Time starts to count when it is on screen.
         show(is);
+        is->video_current_pts_time = wall_clock();
         is->clocks.frame_timer += static_cast<double>(wall_clock()) / 1e6 - in.now;
         schedule_refresh(is, plan.delay_ms);
     } else {
@@ -90,6 +91,7 @@ bool refresh_picture(VideoState* is, int queued) {
         const bool only_one = plan.release && !pic.seen && queued == 1;
         if (plan.display || only_one) show(is);
     }
+    is->video_clock_seeks = pic.seeks;
     if (plan.release) {
         if (!pic.seen) ++is->pictures_unseen;
         release_picture(is);

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "audio/audio_converter.h"
+#include "audio/circular_buffer.h"
 #include "gpu/direct_display.h"
 #include "gpu/postprocessing.h"
 #include "gpu/video_picture.h"
 #include "platform/sync.h"
 #include "platform/threads.h"
+#include "player/audio_state.h"
 #include "player/events.h"
 #include "player/packet_queue.h"
 #include "player/picture_scaler.h"
@@ -13,6 +16,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 /// The clock that pictures and sound follow.
@@ -74,6 +78,16 @@ struct VideoState {
     CodecContextPtr audio_codec;
     PacketQueue audio_queue;
     StreamInfo audio_info;
+    std::unique_ptr<AudioOutput> audio;  ///< made by [demux], used by [audio], freed by [main]
+    /// To float planes and back. As `audio`.
+    std::unique_ptr<AudioConverter> resampler_in;
+    std::unique_ptr<AudioConverter> resampler_out;
+    /// Waveforms of the left (or only) and the right channel, the latter null for one channel.
+    /// [main] may read them while there is an audio stream, and frees them.
+    object_ref<CircularBuffer<float>> audio_scope[2];
+    /// All of it went to the device. Set by [audio]; cleared by [demux] with each packet and by
+    /// [audio] before it takes one.
+    std::atomic<bool> sound_over{false};
 
     // Clocks.
     RefreshClocks clocks;
@@ -119,6 +133,7 @@ struct VideoState {
     std::int64_t last_seek_time = 0;            ///< wall time in microseconds. [demux]
     std::atomic<int> seeks_done{0};             ///< seeks carried out. [demux]
     std::atomic<int> seeks_seen{0};  ///< the newest whose first picture is queued. [video]
+    std::atomic<int> video_clock_seeks{-1};  ///< `seeks` of the picture that set the clock. [main]
     MutexPtr picture_queue_mutex;
     CondPtr picture_queue_cond;
 
