@@ -43,6 +43,52 @@ def tone(seconds=4, rate=48000):
     return ["-f", "lavfi", "-i", f"sine=frequency=440:sample_rate={rate}:duration={seconds}"]
 
 
+LAYOUTS = {"mono": 1, "stereo": 2, "5.1": 6, "7.1": 8}
+
+
+def chirps(layout="stereo", rate=48000, seconds=2):
+    """A tone per channel that rises or falls all the time, so that no two moments sound alike."""
+    # The fourth of the channels is the one for low tones, which some codecs keep nothing else of.
+    starts = (300, 1700, 700, 60, 1100, 500, 900, 1300)
+    slopes = (110, -130, 70, 5, 90, -40, 60, -80)
+    channels = "|".join(
+        f"0.4*sin(2*PI*t*({start}+{slope}*t))"
+        for start, slope in list(zip(starts, slopes))[: LAYOUTS[layout]]
+    )
+    return ["-f", "lavfi", "-i", f"aevalsrc=exprs='{channels}':c={layout}:s={rate}:d={seconds}"]
+
+
+# What a codec of sound is kept in, and its encoder.
+SOUND_CODECS = {
+    "aac": ("m4a", ["-c:a", "aac", "-b:a", "256k"]),
+    "mp3": ("mp3", ["-c:a", "libmp3lame", "-b:a", "256k"]),
+    "vorbis": ("ogg", ["-c:a", "libvorbis", "-q:a", "7"]),
+    "opus": ("opus", ["-c:a", "libopus", "-b:a", "256k"]),
+    "flac": ("flac", ["-c:a", "flac", "-sample_fmt", "s16"]),
+    "pcm": ("wav", ["-c:a", "pcm_s16le"]),
+    "ac3": ("ac3", ["-c:a", "ac3", "-b:a", "448k"]),
+}
+
+
+def sound_clips():
+    clips = {}
+    for codec, (extension, encoder) in SOUND_CODECS.items():
+        for layout in ("mono", "stereo", "5.1"):
+            if codec == "mp3" and layout == "5.1":
+                continue  # there is no such thing
+            clips[f"sound_{codec}_{layout}.{extension}"] = chirps(layout) + encoder
+    clips["sound_pcm_7.1.wav"] = chirps("7.1") + SOUND_CODECS["pcm"][1]
+    for rate in (8000, 11025, 22050, 44100, 96000, 192000):
+        clips[f"sound_rate_{rate}.wav"] = chirps(rate=rate, seconds=2) + ["-c:a", "pcm_s16le"]
+    for name, encoder in {
+        "u8.wav": ["pcm_u8"], "s32.wav": ["pcm_s32le"], "f32.wav": ["pcm_f32le"], "f64.wav": ["pcm_f64le"],
+        "s16p.wv": ["wavpack", "-sample_fmt", "s16p"],
+        "s32p.wv": ["wavpack", "-sample_fmt", "s32p"], "fltp.wv": ["wavpack", "-sample_fmt", "fltp"],
+    }.items():  # fmt: skip
+        clips[f"sound_format_{name}"] = chirps(seconds=1) + ["-c:a", *encoder]
+    return clips
+
+
 def scrolling(pixels, width=320, height=192, seconds=1):
     """A still from a camera that moves to the left by whole pixels per picture."""
     return [
@@ -105,6 +151,17 @@ CLIPS = {
     "tone.wav": tone(3),
     "cover.mp3": None,
     "broken_sound.mkv": None,
+    "undecodable_sound.mkv": None,
+    "layout_change.aac": None,
+    **sound_clips(),
+    # Sound that leaps ahead by 2 s after 2 s.
+    "sound_gap.mkv": numbered(seconds=6) + chirps(seconds=4)
+    + ["-af", "asetpts='PTS+if(gte(T,2),2/TB,0)'", "-c:v", "mpeg4", "-c:a", "pcm_s16le"],
+    "chirps.mkv": numbered(seconds=6) + chirps(seconds=6) + MPEG4 + ["-c:a", "pcm_s16le"],
+    # A film with steady sound for a minute.
+    "tones_75s.mkv": numbered(seconds=75) + ["-f", "lavfi", "-i", "aevalsrc=exprs='0.4*sin(2*PI*t*440)|0.4*sin(2*PI*t*660)'"
+                                          ":c=stereo:s=48000:d=75"]
+    + MPEG4 + ["-g", "25", "-c:a", "aac"],
     # For measuring: the film without its sound, long enough for a minute.
     "film_720p.mp4": None,
 }  # fmt: skip
@@ -146,6 +203,17 @@ def make_special(name, out, path):
             "libmp3lame", "-c:v", "mjpeg", "-disposition:v", "attached_pic", out)
     elif name == "broken_sound.mkv":
         run("-i", path("h264.mkv"), "-c", "copy", "-bsf:a", "noise=amount=3", out)
+    elif name == "undecodable_sound.mkv":
+        with open(path("h264.mkv"), "rb") as whole, open(out, "wb") as renamed:
+            renamed.write(whole.read().replace(b"A_VORBIS", b"A_NOBODY"))
+    elif name == "layout_change.aac":
+        with open(out, "wb") as joined:
+            for layout, rate in (("stereo", 48000), ("mono", 48000), ("5.1", 44100), ("stereo", 48000)):
+                part = f"{out}.part"
+                run(*chirps(layout, rate, 1), "-c:a", "aac", "-f", "adts", part)
+                with open(part, "rb") as piece:
+                    joined.write(piece.read())
+                os.remove(part)
     elif name == "film_720p.mp4":
         run("-stream_loop", "8", "-i", FILM, "-c", "copy", out)
 
