@@ -118,17 +118,12 @@ TEST_F(SoundOfClips, EveryRateIsHeardInFull) {
     }
 }
 
-// Formats that the decoders' samples can be read from directly sound; the others are silent.
-TEST_F(SoundOfClips, EverySampleFormatIsSoundOrSilence) {
-    for (const char* name : {"f32.wav", "s16p.wv", "fltp.wv"}) {
+TEST_F(SoundOfClips, EverySampleFormatIsHeardInFull) {
+    for (const char* name :
+         {"f32.wav", "s16p.wv", "fltp.wv", "u8.wav", "s32.wav", "f64.wav", "s32p.wv"}) {
         const Heard heard = measure(hear(std::string("sound_format_") + name), 48000);
         EXPECT_NEAR(heard.seconds, 1.0, 0.01) << name;
         EXPECT_NEAR(heard.rms, chirp_rms, chirp_rms * 0.02) << name;
-    }
-    for (const char* name : {"u8.wav", "s32.wav", "f64.wav", "s32p.wv"}) {
-        const Shorts samples = hear(std::string("sound_format_") + name);
-        EXPECT_GT(samples.size(), 90000U) << name;
-        EXPECT_EQ(measure(samples, 48000).rms, 0.0) << name;
     }
 }
 
