@@ -16,18 +16,13 @@ class SeekingTest : public PlayerTest {
     double first_picture_after_seek(VideoState* is) {
         double pts = -1.0;
         wait_until([&] {
-            if (is->seek_request || is->seeks_seen != is->seeks_done) {
-                if (head(is)) release_picture(is);
-                return false;
-            }
-            while (VideoPicture* picture = head(is)) {
-                pts = picture->pts;
-                release_picture(is);
-                // The newest queued is the one that made the seek seen.
-                const MutexLock lock(is->picture_queue_mutex);
-                if (is->picture_queue_size == 0) return true;
-            }
-            return pts >= 0.0;
+            if (is->seek_request) return false;
+            VideoPicture* picture = head(is);
+            if (!picture) return false;
+            const bool wanted = picture->seeks == is->seeks_done;
+            if (wanted) pts = picture->pts;
+            release_picture(is);
+            return wanted;
         });
         return pts;
     }
