@@ -180,7 +180,7 @@ class Demuxing {
         const bool nothing_yet = is_->is_camera || result == AVERROR(EAGAIN);
         if (result == AVERROR_EOF || (!nothing_yet && ++failed_reads_ >= hopeless_reads)) {
             end_of_file_ = true;
-        } else if (context->pb && context->pb->error) {
+        } else if (result == AVERROR(ENODEV) || (context->pb && context->pb->error)) {
             broken_ = true;
         } else {
             SDL_Delay(end_poll_ms);
