@@ -39,6 +39,7 @@ class Enhancer {
     enum class Neighbours { none, previous };
 
     void load(VideoPicture& pic, const TimedFrame& frame);
+    void load_quantisers(VideoPicture& pic, const AVFrame& frame);
     void run_passes(VideoPicture& cur, VideoPicture& prev, int phase, Neighbours neighbours);
     void give(double seconds);
 
@@ -49,6 +50,7 @@ class Enhancer {
     std::array<VideoPicture, 2> pictures_;
     int current_ = 0;
     long count_ = 0;
+    bool quantisers_known_ = false;  // a picture of the film told some
     std::unique_ptr<Source> source_;
     object_ref<gl_texture_resource> staging_;
     object_ref<gl_texture_resource> output_;

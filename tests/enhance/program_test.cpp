@@ -139,6 +139,30 @@ TEST_F(EnhanceProgramTest, DefaultsKeepAFilm) {
     }
 }
 
+TEST_F(EnhanceProgramTest, LastPictureIsSmoothedLikeTheOthers) {
+    std::vector<RgbPicture> noisy;
+    for (unsigned seed = 0; seed < 4; ++seed) {
+        const RgbPicture noise = noise_picture(64, 48, seed);
+        noisy.push_back(make_rgb(64, 48, [&noise](int x, int y, int channel) {
+            return 120 + noise.bytes[static_cast<std::size_t>((y * 64 + x) * 3 + channel)] % 16;
+        }));
+    }
+    const std::string film = folder_.file("noisy.mpg");
+    write_film(film, noisy);
+    const std::string plain = folder_.file("plain-%d.png");
+    const std::string cleaned = folder_.file("cleaned-%d.png");
+    ASSERT_EQ(enhance({film, plain}), 0) << errors_;
+    ASSERT_EQ(enhance({"--denoise", "40", film, cleaned}), 0) << errors_;
+    const Film before = read_film(plain);
+    const Film after = read_film(cleaned);
+    ASSERT_EQ(before.pictures.size(), 4U);
+    ASSERT_EQ(after.pictures.size(), 4U);
+    const double usual = difference(before.pictures[2], after.pictures[2]).mean;
+    const double last = difference(before.pictures[3], after.pictures[3]).mean;
+    // Measured: 0.585 and 0.594; 1.296 where the last counts as finely coded.
+    EXPECT_LT(last, usual + 0.1);
+}
+
 TEST_F(EnhanceProgramTest, HelpAndMistakes) {
     EXPECT_EQ(enhance({"--help"}), 0);
     EXPECT_EQ(output_.find("usage: vyx-enhance [options] INPUT OUTPUT"), 0U);
