@@ -35,7 +35,7 @@ void main()
     vec2 st = gl_TexCoord[0].st;
     vec2 source = st / constU;
     vec2 block = floor(source / mb_size);
-    vec2 position = mod(source, mb_size);
+    vec2 position = source - block * mb_size;
     vec3 w = window_h[int(position.s)];
     vec3 v = window_v[int(position.t)];
     vec2 side = vec2(position.s < mb_half_size.s ? -1.0 : 1.0,
