@@ -20,15 +20,6 @@ void apply(const EnhanceOptions& options) {
     s.demo_mode.setValue(options.demo ? 1.0F : 0.0F);
 }
 
-bool tells_quantisers(const AVFrame& frame) {
-    return av_frame_get_side_data(&frame, AV_FRAME_DATA_VIDEO_ENC_PARAMS) != nullptr;
-}
-
-bool same_cells(const VideoPicture& a, const VideoPicture& b) {
-    return a.quantization_table.rows() == b.quantization_table.rows() &&
-           a.quantization_table.columns() == b.quantization_table.columns();
-}
-
 }  // namespace
 
 // What the passes ask about the picture being loaded. There are no clocks.
@@ -72,22 +63,10 @@ void Enhancer::load(VideoPicture& pic, const TimedFrame& frame) {
     pic.number = count_;
     if (!pic.pbo || !same_size) make_pixel_buffer(pic);
     read_motion_vectors(&pic, frame.frame.get(), codec_);
-    load_quantisers(pic, *frame.frame);
+    quantisers_.read(&pic, frame.frame.get(), codec_);
     pic.clear_flags();
     source_->frame = frame.frame.get();
     fill_pixel_buffer(pic, *source_, BufferForm::rgb);
-}
-
-// MPEG-1 and MPEG-2 decoders tell none for the last picture of a film; it would pass for a finely
-// coded one and be blurred. Those of the picture before stand in.
-void Enhancer::load_quantisers(VideoPicture& pic, const AVFrame& frame) {
-    const VideoPicture& other = &pic == &pictures_[0] ? pictures_[1] : pictures_[0];
-    read_quantization_table(&pic, &frame, codec_);
-    if (tells_quantisers(frame)) {
-        quantisers_known_ = true;
-    } else if (quantisers_known_ && same_cells(pic, other)) {
-        pic.quantization_table = other.quantization_table;
-    }
 }
 
 void Enhancer::push(const TimedFrame& frame) {

@@ -7,6 +7,7 @@
 #include "enhance/rgb_picture.h"
 #include "gpu/picture_upload.h"
 #include "gpu/video_display.h"
+#include "player/side_data.h"
 
 #include <array>
 #include <functional>
@@ -39,7 +40,6 @@ class Enhancer {
     enum class Neighbours { none, previous };
 
     void load(VideoPicture& pic, const TimedFrame& frame);
-    void load_quantisers(VideoPicture& pic, const AVFrame& frame);
     void run_passes(VideoPicture& cur, VideoPicture& prev, int phase, Neighbours neighbours);
     void give(double seconds);
 
@@ -50,7 +50,7 @@ class Enhancer {
     std::array<VideoPicture, 2> pictures_;
     int current_ = 0;
     long count_ = 0;
-    bool quantisers_known_ = false;  // a picture of the film told some
+    QuantiserReader quantisers_;
     std::unique_ptr<Source> source_;
     object_ref<gl_texture_resource> staging_;
     object_ref<gl_texture_resource> output_;

@@ -141,7 +141,7 @@ int queue_picture(VideoState* is, FramePtr& frame, double pts, int seeks) {
     is->yuv_direct = slot.yuv_direct;
     slot.sample_aspect = sample_aspect(is, *frame);
     read_motion_vectors(&slot, frame.get(), is->video_codec->codec_id);
-    read_quantization_table(&slot, frame.get(), is->video_codec->codec_id);
+    is->quantisers.read(&slot, frame.get(), is->video_codec->codec_id);
     store(is, slot, frame);
     slot.pts = pts;
     slot.seeks = seeks;

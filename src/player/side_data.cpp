@@ -132,3 +132,13 @@ void read_quantization_table(VideoPicture* slot, const AVFrame* frame, AVCodecID
                    quantiser(parameters->qp + block->delta_qp, codec));
     }
 }
+
+void QuantiserReader::read(VideoPicture* slot, const AVFrame* frame, AVCodecID codec) {
+    Grid<std::uint8_t>& table = slot->quantization_table;
+    read_quantization_table(slot, frame, codec);
+    if (parameters_of(frame)) {
+        last_ = table;
+    } else if (last_.rows() == table.rows() && last_.columns() == table.columns()) {
+        table = last_;
+    }
+}

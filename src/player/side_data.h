@@ -19,3 +19,14 @@ void read_motion_vectors(VideoPicture* slot, const AVFrame* frame, AVCodecID cod
 /// Fills the slot's quantisers, 0 to 127; 1 where the decoder tells none. Call after
 /// `read_motion_vectors`. [video]
 void read_quantization_table(VideoPicture* slot, const AVFrame* frame, AVCodecID codec);
+
+/// Reads the quantisers of a film's pictures in their order. Where a picture has none told, as the
+/// last one of an MPEG-1 or MPEG-2 film, those of the picture before stand in: it would pass for a
+/// finely coded one. One thread at a time.
+class QuantiserReader {
+  public:
+    void read(VideoPicture* slot, const AVFrame* frame, AVCodecID codec);
+
+  private:
+    Grid<std::uint8_t> last_;
+};

@@ -12,6 +12,7 @@
 #include "player/events.h"
 #include "player/packet_queue.h"
 #include "player/picture_scaler.h"
+#include "player/side_data.h"
 
 #include <array>
 #include <atomic>
@@ -106,6 +107,7 @@ struct VideoState {
     StreamInfo video_info;
     AVRational stream_aspect{0, 1};      ///< of a pixel by the container. [demux], then [video]
     double stream_frame_duration = 0.0;  ///< seconds, 0 when unknown. [demux], then [video]
+    QuantiserReader quantisers;               ///< [video]
     int last_width = 0;                  ///< of the last picture decoded. [video]
     int last_height = 0;
     bool too_large = false;                ///< for a texture. [video]

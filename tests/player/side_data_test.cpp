@@ -237,6 +237,21 @@ TEST(Quantisers, AreClampedAndClipped) {
     EXPECT_EQ(slot.quantization_table[2][0], 100);
 }
 
+TEST(Quantisers, OfThePictureBeforeStandInWhereNoneAreTold) {
+    QuantiserReader reader;
+    VideoPicture slots[3];
+    const auto next = [&](VideoPicture& slot, const FramePtr& frame) {
+        read_motion_vectors(&slot, frame.get(), AV_CODEC_ID_MPEG2VIDEO);
+        reader.read(&slot, frame.get(), AV_CODEC_ID_MPEG2VIDEO);
+        return slot.quantization_table[0][0];
+    };
+    EXPECT_EQ(next(slots[0], make_frame(32, 32)), 1) << "there is no picture before";
+    EXPECT_EQ(next(slots[1], frame_with_quantisers(32, 32, 9, {{0, 0, 8, 8, 3}})), 12);
+    EXPECT_EQ(next(slots[2], make_frame(32, 32)), 12);
+    EXPECT_EQ(slots[2].quantization_table[3][3], 9);
+    EXPECT_EQ(next(slots[0], make_frame(64, 32)), 1) << "another size";
+}
+
 TEST(Quantisers, OtherScalesCountAsNoTable) {
     VideoPicture slot;
     read_q(slot, frame_with_quantisers(16, 16, 200, {}, AV_VIDEO_ENC_PARAMS_VP9), AV_CODEC_ID_VP9);

@@ -107,6 +107,10 @@ std::vector<PlainPicture> decode_plainly(const std::string& path) {
         av_packet_unref(packet);
         while (avcodec_receive_frame(decoder, frame) >= 0) {
             pictures.push_back(describe(frame, stream->time_base, codec->id));
+            const std::size_t count = pictures.size();
+            const bool told = av_frame_get_side_data(frame, AV_FRAME_DATA_VIDEO_ENC_PARAMS);
+            // The last picture of an MPEG-1 or MPEG-2 film comes without.
+            if (!told && count > 1) pictures[count - 1].quantisers = pictures[count - 2].quantisers;
         }
     }
     av_frame_free(&frame);
