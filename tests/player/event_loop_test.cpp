@@ -132,6 +132,24 @@ TEST_F(EventLoopTest, WithoutLoopTheEndPauses) {
     EXPECT_FALSE(is->seek_request);
 }
 
+TEST_F(EventLoopTest, PausedFilmIsRedrawnFortyTimesASecond) {
+    ASSERT_GE(master_settings.temporal_upscaling_factor.toInt(), 4) << "refreshes run freely";
+    VideoState* is = open("h264.mp4", {.loop = true});
+    schedule_refresh(is, 10);
+    ASSERT_TRUE(run_until([&] { return is->shown_picture >= 0; }));
+    stream_pause(is);
+    int refreshes = 0;
+    const Uint32 start = SDL_GetTicks();
+    while (SDL_GetTicks() - start < 500) {
+        SDL_Event event;
+        if (!SDL_PollEvent(&event)) continue;
+        refreshes += event.type == event_refresh;
+        ASSERT_TRUE(handle_event(event));
+    }
+    EXPECT_GT(refreshes, 0);
+    EXPECT_LT(refreshes, 60) << "measured: 18 to 21";
+}
+
 TEST_F(EventLoopTest, RefreshActsOnTheCurrentFilm) {
     VideoState* old = open("q7_mpeg4.avi");
     stream_close(old);

@@ -6,14 +6,12 @@
 #include "player/demux.h"
 #include "player/video_refresh.h"
 #include "support/player_fixture.h"
+#include "support/temporary_folder.h"
 
 #include <SDL.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <cstdlib>
-#include <filesystem>
 
 namespace {
 
@@ -155,8 +153,8 @@ TEST_F(StreamTest, PreloadIsClearedOnEveryWayOut) {
 
 TEST_F(StreamTest, CloseEndsABlockedOpen) {
     // A reader that never gets data: opening a fifo whose writer stays silent.
-    const std::string path = (std::filesystem::temp_directory_path() / "vyx_silent_fifo").string();
-    unlink(path.c_str());
+    const TemporaryFolder folder;
+    const std::string path = folder.path("silent");
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     const int writer = ::open(path.c_str(), O_RDWR);
     VideoState* is = open(path);
@@ -165,7 +163,6 @@ TEST_F(StreamTest, CloseEndsABlockedOpen) {
     stream_close(is);
     EXPECT_LT(SDL_GetTicks() - start, 1000U);
     ::close(writer);
-    unlink(path.c_str());
 }
 
 TEST_F(StreamTest, SpatialFactorIsFittedToTheTextures) {
