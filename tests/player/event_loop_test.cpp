@@ -86,6 +86,32 @@ TEST_F(EventLoopTest, ResizeFollowsTheWindow) {
     EXPECT_EQ(viewport[2], 500);
 }
 
+TEST_F(EventLoopTest, ResizeLeavesAFullScreenFull) {
+    ASSERT_TRUE(set_fullscreen(1));
+    SDL_Event event{};
+    event.type = SDL_VIDEORESIZE;
+    event.resize.w = screen->w;
+    event.resize.h = screen->h;
+    EXPECT_TRUE(handle_event(event));
+    EXPECT_TRUE(get_fullscreen());
+    EXPECT_NE(screen->flags & SDL_FULLSCREEN, 0U);
+    set_fullscreen(0);
+    EXPECT_EQ(screen->flags & SDL_FULLSCREEN, 0U);
+}
+
+TEST_F(EventLoopTest, ClickShowsTheCursor) {
+    SDL_Event click{};
+    click.type = SDL_MOUSEBUTTONDOWN;
+    for (const int button : {SDL_BUTTON_RIGHT, SDL_BUTTON_LEFT}) {
+        SDL_Delay(260);  // or it would be half of a double click
+        SDL_ShowCursor(SDL_DISABLE);
+        click.button.button = static_cast<Uint8>(button);
+        EXPECT_TRUE(handle_event(click));
+        EXPECT_EQ(SDL_ShowCursor(SDL_QUERY), SDL_ENABLE) << button;
+        EXPECT_FALSE(get_fullscreen());
+    }
+}
+
 TEST_F(EventLoopTest, ReshapeSetsTheVirtualScreen) {
     struct Case {
         int w, h;
