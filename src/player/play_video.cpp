@@ -6,6 +6,7 @@
 #include "gpu/gl_texture.h"
 #include "gpu/video_display.h"
 #include "gui/screen.h"
+#include "platform/display_loss.h"
 #include "platform/threads.h"
 #include "platform/window.h"
 #include "player/event_loop.h"
@@ -75,6 +76,7 @@ bool open_window(PlayVideoArgs* args) {
         std::fputs("SDL: could not set video mode - exiting\n", stderr);
         return false;
     }
+    end_with_display();
     set_reshape_handler(reshape);
     if (args->fullscreen) {
         set_fullscreen(1);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -116,13 +117,39 @@ TEST(ObjectRef, AssignmentReturnsTheNewCount) {
     EXPECT_EQ(destroyed, 1) << "the object held before is released";
 }
 
+// Writes down what happens to its count.
+class Diary : public object {
+  public:
+    explicit Diary(std::string* text, char name) : text_(text), name_(name) {}
+    int addref() override {
+        *text_ += {'+', name_};
+        return object::addref();
+    }
+    int release() override {
+        *text_ += {'-', name_};
+        return object::release();
+    }
+
+  private:
+    std::string* text_;
+    char name_;
+};
+
 TEST(ObjectRef, AssignmentReleasesBeforeItTakes) {
-    int destroyed = 0;
-    auto* probe = new Probe(&destroyed);
-    object_ref<Probe> ref(probe);
-    object_ref<Probe> keeper(probe);
-    EXPECT_EQ(ref = probe, 2) << "one released, one taken";
-    EXPECT_EQ(destroyed, 0);
+    std::string text;
+    auto* first = new Diary(&text, 'a');
+    auto* second = new Diary(&text, 'b');
+    object_ref<Diary> keeper(first);
+    object_ref<Diary> ref(first);
+    text.clear();
+    EXPECT_EQ(ref = second, 1);
+    EXPECT_EQ(text, "-a+b");
+    text.clear();
+    EXPECT_EQ(ref = keeper, 2);
+    EXPECT_EQ(text, "-b+a");
+    text.clear();
+    EXPECT_EQ(ref = first, 2) << "also when it stays the same";
+    EXPECT_EQ(text, "-a+a");
 }
 
 TEST(ObjectRef, GrowingAListKeepsTheCountRight) {

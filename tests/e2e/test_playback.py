@@ -6,7 +6,7 @@ import tempfile
 import time
 import unittest
 
-from support import CAMERA, FILM, PATIENCE, PlayerTestCase, clip, compare_with_film, fitted, wait_for
+from support import CAMERA, FILM, PATIENCE, Display, Player, PlayerTestCase, clip, compare_with_film, fitted, wait_for
 
 
 class Playback(PlayerTestCase):
@@ -113,6 +113,20 @@ class Playback(PlayerTestCase):
                 self.assertTrue(player.running())
                 player.key("d", "space", "Right")
                 self.assertEqual(player.quit(), 0)
+
+    def test_display_that_goes_away_ends_the_player(self):
+        for _ in range(8):
+            display = Display()
+            player = Player(display, clip("h264.mp4"))
+            self.addCleanup(player.close)
+            try:
+                self.await_number(player, lambda n: n > 2, 10, "the film")
+                display.server.kill()
+                # Not by a signal, whatever its threads are doing.
+                self.assertEqual(player.wait(10), 1)
+                self.assertIn(f"Connection to the display {display.name} is broken", player.output())
+            finally:
+                display.close()
 
     def test_options(self):
         player = self.start("--demo", "--contrast", "20", "--preload", clip("h264.mp4"))

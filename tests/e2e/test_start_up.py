@@ -2,10 +2,12 @@
 """What keeps the player from starting is said in its words, with status 1."""
 
 import os
+import signal
 import subprocess
+import tempfile
 import unittest
 
-from support import PATIENCE, VYX, Display, PlayerTestCase, clip
+from support import PATIENCE, VYX, Display, PlayerTestCase, clip, wait_for
 
 
 class StartUp(PlayerTestCase):
@@ -40,6 +42,45 @@ class StartUp(PlayerTestCase):
                          "OpenGL extension 'ARB_texture_rectangle' is not present.\n"
                          "This extension is required to run VYXVideoPlayer!\n"
                          "Check if OpenGL is configured properly.\n")
+
+    def test_of_two_missing_extensions_the_first_is_told(self):
+        said = self.fails(env={"MESA_EXTENSION_OVERRIDE": "-GL_ARB_fragment_program -GL_ARB_texture_rectangle"})
+        self.assertTrue(said.startswith("OpenGL extension 'ARB_fragment_program' is not present.\n"), said)
+        self.assertNotIn("ARB_texture_rectangle", said)
+
+    def test_says_what_draws(self):
+        player = self.start()
+        player.window()
+        wait_for(lambda: "High quality media player\n" in player.output(), 10, "the banner")
+        self.assertRegex(player.output(),
+                         r"(?m)^OPENGL VENDOR = .+\nOPENGL RENDERER = .+\nOPENGL VERSION = .+\n"
+                         r"VYX Player v1\.01\nHigh quality media player\n")
+        # A larger window is as dark as the first.
+        player.xdotool("windowsize", "--sync", player.window(), 1000, 700)
+        wait_for(lambda: player.geometry()[2:] == (1000, 700), 5, "the new size")
+
+        def dark(shot):
+            corners = ((5, 5), (995, 5), (5, 695), (995, 695), (900, 300), (500, 650))
+            return all(shot.pixel(x, y) == (5, 5, 5) for x, y in corners)
+
+        player.look_until(dark, "a dark window")
+        self.assertEqual(player.quit(), 0)
+
+    def test_preloading_can_be_ended(self):
+        with tempfile.TemporaryDirectory() as folder:
+            fifo = os.path.join(folder, "silent")
+            os.mkfifo(fifo)
+            writer = os.open(fifo, os.O_RDWR)
+            self.addCleanup(os.close, writer)
+            for end in (lambda player: player.process.send_signal(signal.SIGTERM),
+                        lambda player: player.key("Escape")):
+                player = self.start("--preload", fifo)
+                x, y, w, h = player.geometry()
+                # More events than the library's queue holds.
+                moves = (("mousemove", x + 10 + i % (w - 20), y + 10 + i % (h - 20)) for i in range(200))
+                player.xdotool(*(word for move in moves for word in move))
+                end(player)
+                self.assertEqual(player.wait(5), 0)
 
     def test_no_opengl(self):
         display = Display("-extension", "GLX")

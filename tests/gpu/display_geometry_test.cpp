@@ -64,6 +64,15 @@ TEST(DisplayGeometry, FixedZoomsCountEnhancedPixels) {
     EXPECT_EQ(destination_rectangle(2, 100, 1.339, 1, 800, 600).w, 133) << "cut, not rounded";
 }
 
+TEST(DisplayGeometry, WholeMultiplesKeepEveryColumn) {
+    // 1920 / 804, times 804, is a little less than 1920.
+    const double aspect = display_aspect(1920, 804, 0.0);
+    EXPECT_EQ(destination_rectangle(2, 804, aspect, 1, 800, 600).w, 1920);
+    EXPECT_EQ(destination_rectangle(3, 804, aspect, 1, 800, 600).w, 3840);
+    EXPECT_EQ(destination_rectangle(4, 804, aspect, 1, 800, 600).w, 7680);
+    EXPECT_EQ(destination_rectangle(2, 804, aspect, 4, 800, 600).w, 7680);
+}
+
 TEST(DisplayGeometry, HugePicturesStayWithinARectangle) {
     const SDL_Rect r = destination_rectangle(4, 8000, 2.0, 4, 800, 600);
     EXPECT_EQ(r.w, 65535);

@@ -121,6 +121,9 @@ CLIPS = {
     "q5_mpeg2.mpg": numbered(seconds=1) + ["-c:v", "mpeg2video", "-q:v", "5", "-qmin", "5", "-qmax", "5", "-bf", "0"],
     "q7_mpeg4.avi": numbered(seconds=1) + ["-c:v", "mpeg4", "-q:v", "7", "-qmin", "7", "-qmax", "7", "-bf", "0"],
     "qp30_h264.mp4": numbered(seconds=1) + X264 + ["-qp", "30", "-bf", "0", "-x264-params", "ipratio=1.0:aq-mode=0:mbtree=0"],
+    **{f"q7_{codec}.avi": numbered(176, 144, seconds=1)
+       + ["-c:v", codec, "-q:v", "7", "-qmin", "7", "-qmax", "7"]
+       for codec in ("msmpeg4v2", "msmpeg4", "wmv1", "wmv2", "h263", "flv")},
     "moving_mpeg2.mpg": scrolling(4) + ["-c:v", "mpeg2video", "-q:v", "2", "-bf", "0"],
     "moving_mpeg4.avi": scrolling(4) + ["-c:v", "mpeg4", "-q:v", "2", "-bf", "0"],
     "moving_qpel.avi": scrolling(4) + ["-c:v", "mpeg4", "-q:v", "2", "-bf", "0", "-flags", "+qpel"],

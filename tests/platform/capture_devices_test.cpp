@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/capture_devices.h"
 
+#include "support/temporary_folder.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -14,24 +16,15 @@ namespace fs = std::filesystem;
 
 class DeviceFolder : public ::testing::Test {
   protected:
-    void SetUp() override {
-        folder_ = fs::temp_directory_path() /
-                  (std::string("vyx_devices_") +
-                   ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(folder_);
-        fs::create_directories(folder_);
-    }
-    void TearDown() override { fs::remove_all(folder_); }
-
-    void device(const std::string& name) const { std::ofstream(folder_ / name); }
+    void device(const std::string& name) const { std::ofstream(path(name)); }
     void link(const std::string& name, const std::string& target) const {
-        fs::create_symlink(target, folder_ / name);
+        fs::create_symlink(target, path(name));
     }
-    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    std::string path(const std::string& name) const { return folder_.path(name); }
 
     std::vector<std::string> list() const {
         char** names = nullptr;
-        const int count = list_video_inputs(&names, folder_.c_str());
+        const int count = list_video_inputs(&names, folder_.folder().c_str());
         std::vector<std::string> result;
         for (int i = 0; i < count; ++i) {
             result.emplace_back(names[i]);
@@ -42,7 +35,7 @@ class DeviceFolder : public ::testing::Test {
         return result;
     }
 
-    fs::path folder_;
+    TemporaryFolder folder_;
 };
 
 TEST(CaptureDevices, NamesOfDevices) {
@@ -75,8 +68,7 @@ TEST_F(DeviceFolder, AliasIsLeftOut) {
 
 TEST_F(DeviceFolder, AbsoluteAliasIsLeftOutToo) {
     // Targets are read into 64 bytes; longer ones are no longer recognised.
-    if (path("video3").size() > 63) folder_ = "/tmp/vyx_d";
-    fs::create_directories(folder_);
+    ASSERT_LE(path("video3").size(), 63U);
     device("video3");
     link("video9", path("video3"));
     EXPECT_EQ(list(), (std::vector{path("video3")}));
@@ -100,7 +92,7 @@ TEST_F(DeviceFolder, EmptyFolder) {
 }
 
 TEST_F(DeviceFolder, MissingFolderIsReported) {
-    fs::remove_all(folder_);
+    fs::remove_all(folder_.folder());
     ::testing::internal::CaptureStderr();
     EXPECT_TRUE(list().empty());
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),

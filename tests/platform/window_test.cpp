@@ -4,6 +4,29 @@
 #include "platform/swap_interval.h"
 #include "support/gl_fixture.h"
 
+#include <GL/glxew.h>
+
+#include <string>
+
+namespace {
+enum class SdlWithout { nothing, modes, surfaces };
+SdlWithout sdl_without = SdlWithout::nothing;
+}  // namespace
+
+// The linker sends calls of SDL here.
+extern "C" {
+SDL_Rect** __real_SDL_ListModes(SDL_PixelFormat* format, Uint32 flags);
+SDL_Rect** __wrap_SDL_ListModes(SDL_PixelFormat* format, Uint32 flags) {
+    if (sdl_without == SdlWithout::modes) return nullptr;
+    return __real_SDL_ListModes(format, flags);
+}
+SDL_Surface* __real_SDL_SetVideoMode(int width, int height, int bits, Uint32 flags);
+SDL_Surface* __wrap_SDL_SetVideoMode(int width, int height, int bits, Uint32 flags) {
+    if (sdl_without == SdlWithout::surfaces) return nullptr;
+    return __real_SDL_SetVideoMode(width, height, bits, flags);
+}
+}
+
 namespace {
 
 TEST(LargestMode, ExceedsTheWindowOrStays) {
@@ -42,16 +65,45 @@ TEST_F(WindowTest, FullScreenAndBack) {
     EXPECT_FALSE(get_fullscreen());
     EXPECT_TRUE(set_fullscreen(1));
     EXPECT_TRUE(get_fullscreen());
+    const SDL_Rect largest = largest_mode(SDL_ListModes(nullptr, SDL_FULLSCREEN | SDL_HWSURFACE));
     const SDL_VideoInfo* info = SDL_GetVideoInfo();
     EXPECT_EQ(reshaped_width, screen->w);
     EXPECT_EQ(reshaped_height, screen->h);
+    EXPECT_EQ(screen->w, largest.w);
+    EXPECT_EQ(screen->h, largest.h);
     EXPECT_GE(screen->w * screen->h, 800 * 600);
     EXPECT_LE(screen->w, info->current_w) << "no mode larger than the screen is offered";
+    EXPECT_LE(screen->h, info->current_h);
     EXPECT_TRUE(set_fullscreen(0));
     EXPECT_FALSE(get_fullscreen());
     EXPECT_EQ(screen->w, 800) << "whatever size the window had before";
     EXPECT_EQ(screen->h, 600);
     EXPECT_EQ(reshaped_width, 800);
+    EXPECT_EQ(reshaped_height, 600);
+}
+
+TEST_F(WindowTest, WithoutAListOfModesItIs800By600) {
+    set_reshape_handler(note_size);
+    sdl_without = SdlWithout::modes;
+    ::testing::internal::CaptureStderr();
+    EXPECT_TRUE(set_fullscreen(1));
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "No fullscreen display modes available!\n");
+    EXPECT_EQ(reshaped_width, 800);
+    EXPECT_EQ(reshaped_height, 600);
+    sdl_without = SdlWithout::nothing;
+}
+
+TEST_F(WindowTest, ModeThatCannotBeSetIsTold) {
+    SDL_Surface* const before = screen;
+    reshaped_width = 0;
+    set_reshape_handler(note_size);
+    sdl_without = SdlWithout::surfaces;
+    ::testing::internal::CaptureStderr();
+    EXPECT_FALSE(set_fullscreen(1));
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "SDL: could not set video mode\n");
+    sdl_without = SdlWithout::nothing;
+    EXPECT_EQ(screen, before) << "the window stays";
+    EXPECT_EQ(reshaped_width, 0);
 }
 
 TEST_F(WindowTest, TexturesSurviveAChangeOfMode) {
@@ -70,7 +122,24 @@ TEST_F(WindowTest, SwapIntervalIsRememberedAndHarmless) {
         EXPECT_EQ(get_vsync(), interval);
         SDL_GL_SwapBuffers();
     }
-    EXPECT_STRNE(set_swap_interval(0), "GLX_SGI_swap_control") << "which takes no 0";
+}
+
+// The screen's own list decides, not what the client library knows. None may be in it.
+TEST_F(WindowTest, SwapIntervalIsSetByTheFirstWayThatTheScreenHas) {
+    Display* display = glXGetCurrentDisplay();
+    ASSERT_NE(display, nullptr);
+    const std::string list =
+        std::string(" ") + glXQueryExtensionsString(display, DefaultScreen(display)) + " ";
+    for (const int interval : {0, 1}) {
+        const char* expected = nullptr;
+        for (const char* name :
+             {"GLX_SGI_swap_control", "GLX_MESA_swap_control", "GLX_EXT_swap_control"}) {
+            if (interval == 0 && name == std::string("GLX_SGI_swap_control")) continue;
+            if (list.find(std::string(" ") + name + " ") != std::string::npos) expected = name;
+        }
+        EXPECT_STREQ(set_swap_interval(interval), expected) << interval << " of" << list;
+    }
+    set_swap_interval(0);
 }
 
 TEST_F(WindowTest, RefreshRateIsSixty) {

@@ -3,8 +3,13 @@
 // thread left behind; and the next film plays.
 
 #include "player/play_video.h"
+#include "player/video_decoder.h"
 #include "player/video_refresh.h"
 #include "support/player_fixture.h"
+#include "support/temporary_folder.h"
+
+#include <fstream>
+#include <iterator>
 
 namespace {
 
@@ -89,6 +94,38 @@ TEST_F(BadInput, PicturesLargerThanATextureAreNotShown) {
     EXPECT_NE(said.find("Pictures of 320 x 180 are larger than OpenGL takes here (300 x 300)!\n"),
               std::string::npos)
         << said;
+}
+
+// A byte here and there is wrong in the last tenth: the container can be read, the pictures cannot.
+std::string damaged_at_its_end(const std::string& name, const TemporaryFolder& folder) {
+    std::ifstream whole(clip(name), std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(whole), {}};
+    for (std::size_t i = bytes.size() * 9 / 10; i < bytes.size(); i += 97)
+        bytes[i] = static_cast<char>(bytes[i] ^ 0x55);
+    std::string path = folder.path(name);
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path;
+}
+
+TEST_F(BadInput, DamagedLastPicturesEndTheFilmToo) {
+    const TemporaryFolder folder;
+    const std::string film = damaged_at_its_end("hevc.mkv", folder);
+    for (const int threads : {4, 1}) {
+        decoder_threads = threads;
+        ::testing::internal::CaptureStderr();
+        av_log_set_level(AV_LOG_QUIET);
+        VideoState* is = open(film);
+        const int before = ends();
+        const std::size_t pictures = take(is).size();
+        av_log_set_level(AV_LOG_ERROR);
+        ::testing::internal::GetCapturedStderr();
+        EXPECT_EQ(ends(), before + 1) << threads << " threads";
+        EXPECT_TRUE(is->decoder_finished) << threads << " threads";
+        EXPECT_GE(pictures, 80U) << "the good part of 100";
+        EXPECT_LT(pictures, 100U) << "some are beyond help";
+        stream_close(is);
+    }
+    decoder_threads = 0;
 }
 
 TEST_F(BadInput, CoverArtIsNoFilm) {

@@ -110,6 +110,21 @@ TEST_F(DecodingTest, QuantisersAreWhatTheEncoderWasTold) {
     }
 }
 
+TEST_F(DecodingTest, QuantisersOfTheRelativesOfMpeg4) {
+    for (const char* name : {"q7_msmpeg4v2.avi", "q7_msmpeg4.avi", "q7_wmv1.avi", "q7_wmv2.avi",
+                             "q7_h263.avi", "q7_flv.avi"}) {
+        const std::vector<TakenPicture> pictures = decode(name);
+        ASSERT_EQ(pictures.size(), 25U) << name;
+        for (const TakenPicture& picture : pictures) {
+            const auto& table = picture.quantization_table;
+            for (int r = 0; r < table.rows(); ++r) {
+                for (int c = 0; c < table.columns(); ++c)
+                    ASSERT_EQ(table[r][c], 7) << name << " at " << picture.pts;
+            }
+        }
+    }
+}
+
 // The photograph moves left by 4 pixels per picture: what is here now was 4 pixels to the right.
 TEST_F(DecodingTest, VectorsTellWhereThePictureComesFrom) {
     for (const char* name :

@@ -86,6 +86,32 @@ TEST_F(EventLoopTest, ResizeFollowsTheWindow) {
     EXPECT_EQ(viewport[2], 500);
 }
 
+TEST_F(EventLoopTest, ResizeLeavesAFullScreenFull) {
+    ASSERT_TRUE(set_fullscreen(1));
+    SDL_Event event{};
+    event.type = SDL_VIDEORESIZE;
+    event.resize.w = screen->w;
+    event.resize.h = screen->h;
+    EXPECT_TRUE(handle_event(event));
+    EXPECT_TRUE(get_fullscreen());
+    EXPECT_NE(screen->flags & SDL_FULLSCREEN, 0U);
+    set_fullscreen(0);
+    EXPECT_EQ(screen->flags & SDL_FULLSCREEN, 0U);
+}
+
+TEST_F(EventLoopTest, ClickShowsTheCursor) {
+    SDL_Event click{};
+    click.type = SDL_MOUSEBUTTONDOWN;
+    for (const int button : {SDL_BUTTON_RIGHT, SDL_BUTTON_LEFT}) {
+        SDL_Delay(260);  // or it would be half of a double click
+        SDL_ShowCursor(SDL_DISABLE);
+        click.button.button = static_cast<Uint8>(button);
+        EXPECT_TRUE(handle_event(click));
+        EXPECT_EQ(SDL_ShowCursor(SDL_QUERY), SDL_ENABLE) << button;
+        EXPECT_FALSE(get_fullscreen());
+    }
+}
+
 TEST_F(EventLoopTest, ReshapeSetsTheVirtualScreen) {
     struct Case {
         int w, h;
@@ -130,6 +156,24 @@ TEST_F(EventLoopTest, WithoutLoopTheEndPauses) {
     EXPECT_TRUE(run_until([&] { return is->paused.load(); }));
     EXPECT_NEAR(is->clocks.frame_last_pts, 0.96, 0.05) << "after the last picture";
     EXPECT_FALSE(is->seek_request);
+}
+
+TEST_F(EventLoopTest, PausedFilmIsRedrawnFortyTimesASecond) {
+    ASSERT_GE(master_settings.temporal_upscaling_factor.toInt(), 4) << "refreshes run freely";
+    VideoState* is = open("h264.mp4", {.loop = true});
+    schedule_refresh(is, 10);
+    ASSERT_TRUE(run_until([&] { return is->shown_picture >= 0; }));
+    stream_pause(is);
+    int refreshes = 0;
+    const Uint32 start = SDL_GetTicks();
+    while (SDL_GetTicks() - start < 500) {
+        SDL_Event event;
+        if (!SDL_PollEvent(&event)) continue;
+        refreshes += event.type == event_refresh;
+        ASSERT_TRUE(handle_event(event));
+    }
+    EXPECT_GT(refreshes, 0);
+    EXPECT_LT(refreshes, 60) << "measured: 18 to 21";
 }
 
 TEST_F(EventLoopTest, RefreshActsOnTheCurrentFilm) {

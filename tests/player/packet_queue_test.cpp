@@ -3,7 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
 #include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
 #include <thread>
 
 namespace {
@@ -121,12 +128,59 @@ TEST_F(PacketQueueTest, AbortComesBeforeWaitingPackets) {
     EXPECT_EQ(packet_queue_get(&queue_, out_.get(), true), -1);
 }
 
+// A thread that waits for a packet.
+class Waiter {
+  public:
+    Waiter(PacketQueue& queue, AVPacket* out)
+        : thread_([this, &queue, out] {
+              thread_id_ = gettid();
+              result_ = packet_queue_get(&queue, out, true);
+          }) {}
+
+    // Returns once the thread sleeps, which it does nowhere but in the queue.
+    bool await_sleep() const {
+        constexpr int enough = 5;
+        int asleep = 0;
+        for (int i = 0; i < 20000 && asleep < enough; ++i) {
+            asleep = state() == 'S' ? asleep + 1 : 0;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return asleep == enough;
+    }
+
+    int result() {
+        thread_.join();
+        return result_;
+    }
+
+  private:
+    // As the kernel tells it: S for asleep.
+    char state() const {
+        if (thread_id_ == 0) return '?';
+        std::ifstream file("/proc/self/task/" + std::to_string(thread_id_) + "/stat");
+        std::string text{std::istreambuf_iterator<char>(file), {}};
+        const std::size_t name = text.rfind(") ");
+        return name == std::string::npos ? '?' : text[name + 2];
+    }
+
+    std::atomic<int> thread_id_{0};
+    int result_ = 7;
+    std::thread thread_;
+};
+
 TEST_F(PacketQueueTest, AbortWakesAWaiter) {
-    int result = 1;
-    std::thread waiter([&] { result = packet_queue_get(&queue_, out_.get(), true); });
+    Waiter waiter(queue_, out_.get());
+    EXPECT_TRUE(waiter.await_sleep());
     packet_queue_abort(&queue_);
-    waiter.join();
-    EXPECT_EQ(result, -1);
+    EXPECT_EQ(waiter.result(), -1);
+}
+
+TEST_F(PacketQueueTest, PacketWakesAWaiter) {
+    Waiter waiter(queue_, out_.get());
+    EXPECT_TRUE(waiter.await_sleep());
+    put(10, 4);
+    EXPECT_EQ(waiter.result(), 1);
+    EXPECT_EQ(out_->pts, 4);
 }
 
 TEST_F(PacketQueueTest, TwoThreads) {

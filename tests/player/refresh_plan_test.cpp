@@ -149,6 +149,19 @@ TEST(RefreshPlan, ASecondBehindStartsAgain) {
     EXPECT_FALSE(almost.plan().display);
 }
 
+TEST(RefreshPlan, ClockThatWasSetBackStartsAgain) {
+    for (const double ahead : {1.05, 100.0, 1e9}) {
+        Scene s;
+        s.clocks.frame_timer = s.in.now + ahead;
+        expect_plan(s.plan(), true, true, 39);
+        EXPECT_DOUBLE_EQ(s.clocks.frame_timer, 100.04) << ahead;
+    }
+    Scene almost;
+    almost.clocks.frame_timer = 101.03;
+    almost.plan();
+    EXPECT_DOUBLE_EQ(almost.clocks.frame_timer, 101.07) << "a second and a picture are allowed";
+}
+
 TEST(RefreshPlan, PictureThatHadToComeLateIsShown) {
     Scene s;
     s.in.starved = true;

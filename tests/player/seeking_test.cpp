@@ -64,6 +64,28 @@ TEST_F(SeekingTest, TargetBeforeTheStartIsTheStart) {
     }
 }
 
+TEST_F(SeekingTest, NoPositionLiesBeforeTheStart) {
+    for (const char* name : {"h264.mp4", "mpeg2.mpg"}) {
+        VideoState* is = open(name);
+        take(is, 60);
+        // With every slot full and the clock stopped, no packet changes the position.
+        ASSERT_TRUE(wait_until([&] {
+            const MutexLock lock(is->picture_queue_mutex);
+            return is->picture_queue_size == 3;
+        }));
+        stream_pause(is);
+        stream_seek(is, -5000000, -1);
+        ASSERT_TRUE(wait_until([&] { return !is->seek_request; })) << name;
+        const std::int64_t start = std::max<std::int64_t>(is->format_context->start_time, 0);
+        EXPECT_EQ(is->seek_target, start) << name;
+        EXPECT_EQ(global_video_pkt_pts,
+                  av_rescale_q(start, AV_TIME_BASE_Q,
+                               is->format_context->streams[is->video_stream_index]->time_base))
+            << name;
+        stream_close(is);
+    }
+}
+
 TEST_F(SeekingTest, SecondRequestIsDropped) {
     VideoState state;
     stream_seek(&state, 1000000, 0);

@@ -2,18 +2,22 @@
 #include "player/stream.h"
 
 #include "core/settings.h"
+#include "gpu/display_geometry.h"
 #include "player/clocks.h"
 #include "player/demux.h"
+#include "player/event_loop.h"
 #include "player/video_refresh.h"
 #include "support/player_fixture.h"
+#include "support/temporary_folder.h"
 
 #include <SDL.h>
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 namespace {
 
@@ -60,10 +64,13 @@ TEST_F(StreamTest, CameraNamesCarryOptions) {
     VideoState* is = open("cam:/dev/nothing,video_size=640x480,ignored,framerate=25");
     EXPECT_TRUE(is->is_camera);
     EXPECT_EQ(is->filename, "/dev/nothing");
-    // The demuxing thread takes the options; before it does, they are these.
-    VideoState* plain = open("h264.mp4");
-    EXPECT_FALSE(plain->is_camera);
     EXPECT_TRUE(wait_until([&] { return failed(is); }));
+    // Nobody took the options.
+    EXPECT_STREQ(is->open_options.get("video_size"), "640x480");
+    EXPECT_STREQ(is->open_options.get("framerate"), "25");
+    EXPECT_EQ(is->open_options.get("ignored"), nullptr);
+    EXPECT_EQ(is->open_options.get("/dev/nothing"), nullptr);
+    EXPECT_FALSE(open("h264.mp4")->is_camera);
 }
 
 TEST_F(StreamTest, CloseEndsThreadsAndFreesTextures) {
@@ -118,9 +125,14 @@ TEST_F(StreamTest, EveryPictureComesOutBeforeTheEnd) {
 
 TEST_F(StreamTest, LoopPlaysEverythingAgain) {
     VideoState* is = open("h264.mp4", {.loop = true});
-    EXPECT_EQ(take(is).size(), 100U);
-    stream_seek(is, 0, 0);
-    EXPECT_EQ(take(is).size(), 100U);
+    SDL_Event end{};
+    end.type = event_end_of_stream;
+    end.user.data1 = is;
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(take(is).size(), 100U) << round;
+        EXPECT_TRUE(handle_event(end));
+        EXPECT_FALSE(is->paused);
+    }
 }
 
 TEST_F(StreamTest, PausedAtTheEndNothingPilesUp) {
@@ -132,15 +144,6 @@ TEST_F(StreamTest, PausedAtTheEndNothingPilesUp) {
         pump();
     EXPECT_LE(is->video_queue.packet_count, 26);
     EXPECT_EQ(ends(), 0);
-}
-
-TEST_F(StreamTest, PreloadReadsTwiceAndWaitsAtTheStart) {
-    VideoState* is = open("h264.mp4", {.preload = true});
-    EXPECT_TRUE(wait_until([&] { return !is->preload; }));
-    EXPECT_TRUE(is->paused);
-    stream_pause(is);
-    const std::vector<TakenPicture> pictures = take(is);
-    EXPECT_EQ(pictures.size(), 100U) << "from the beginning";
 }
 
 TEST_F(StreamTest, PreloadIsClearedOnEveryWayOut) {
@@ -155,8 +158,8 @@ TEST_F(StreamTest, PreloadIsClearedOnEveryWayOut) {
 
 TEST_F(StreamTest, CloseEndsABlockedOpen) {
     // A reader that never gets data: opening a fifo whose writer stays silent.
-    const std::string path = (std::filesystem::temp_directory_path() / "vyx_silent_fifo").string();
-    unlink(path.c_str());
+    const TemporaryFolder folder;
+    const std::string path = folder.path("silent");
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     const int writer = ::open(path.c_str(), O_RDWR);
     VideoState* is = open(path);
@@ -165,7 +168,46 @@ TEST_F(StreamTest, CloseEndsABlockedOpen) {
     stream_close(is);
     EXPECT_LT(SDL_GetTicks() - start, 1000U);
     ::close(writer);
-    unlink(path.c_str());
+}
+
+TEST_F(StreamTest, CloseEndsABlockedRead) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path("film.mkv");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const int writer = ::open(path.c_str(), O_RDWR | O_NONBLOCK);
+    std::ifstream film(clip("h264.mkv"), std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(film), {}};
+    bytes.resize(bytes.size() / 2);
+    VideoState* is = open(path);
+    std::size_t written = 0;
+    int pictures = 0;
+    // All of it is written and read, and the next read waits for what never comes.
+    EXPECT_TRUE(wait_until([&] {
+        const ssize_t n = write(writer, bytes.data() + written, bytes.size() - written);
+        if (n > 0) written += static_cast<std::size_t>(n);
+        for (; head(is); ++pictures)
+            release_picture(is);
+        int left = -1;
+        ioctl(writer, FIONREAD, &left);
+        return written == bytes.size() && left == 0 && pictures >= 30 &&
+               is->video_queue.packet_count == 0;
+    })) << pictures
+        << " pictures";
+    const Uint32 start = SDL_GetTicks();
+    stream_close(is);
+    EXPECT_LT(SDL_GetTicks() - start, 1000U);
+    ::close(writer);
+}
+
+TEST_F(StreamTest, NewFilmDoesNotGrowOutOfTheLast) {
+    SDL_Rect old{10, 10, 100, 50};
+    video_scaling_animation(old);
+    open("h264.mp4");
+    SDL_Rect r{20, 20, 200, 100};
+    video_scaling_animation(r);
+    EXPECT_EQ(r.w, 200) << "shown at once";
+    EXPECT_EQ(r.h, 100);
+    EXPECT_EQ(r.x, 20);
 }
 
 TEST_F(StreamTest, SpatialFactorIsFittedToTheTextures) {

@@ -141,6 +141,12 @@ void GlTest::TearDown() {
     clear_texture_cache();
 }
 
+void GlTest::ignore_gl_errors() {
+    EXPECT_GE(gl_errors, 1);
+    gl_errors = 0;
+    while (glGetError() != GL_NO_ERROR) {}
+}
+
 object_ref<gl_texture_resource> GlTest::upload(const Image& image, int format) {
     object_ref<gl_texture_resource> texture(
         new gl_texture_resource(image.height(), image.width(), format, nullptr));

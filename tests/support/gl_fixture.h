@@ -68,6 +68,8 @@ class GlTest : public ::testing::Test {
 
     /// Asserts how many GL errors the test has caused so far; every test ends with 0.
     static void expect_gl_errors(int count);
+    /// Forgets the errors caused so far; there has to be one at least.
+    static void ignore_gl_errors();
 
     /// A texture with the image in it. `format` 0 is the default float format.
     object_ref<gl_texture_resource> upload(const Image& image, int format = 0);
