@@ -3,7 +3,7 @@
 
 #include "enhance/rgb_picture.h"
 
-#include "enhance/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

@@ -44,7 +44,7 @@ TEST(PicturePattern, NumbersAreFilledWithZeros) {
 // Files that are complete or not there
 
 TEST_F(FilmIoTest, FileHasItsNameOnlyOnceComplete) {
-    const std::string name = folder_.file("x");
+    const std::string name = folder_.path("x");
     {
         OutputFile file(name);
         std::ofstream(file.working_path()) << "half";
@@ -61,7 +61,7 @@ TEST_F(FilmIoTest, FileHasItsNameOnlyOnceComplete) {
 }
 
 TEST_F(FilmIoTest, UnfinishedFilmLeavesTheOldOne) {
-    const std::string name = folder_.file("x.mkv");
+    const std::string name = folder_.path("x.mkv");
     write_film(name, {moving_picture(32, 32, 0), moving_picture(32, 32, 1)});
     {
         const auto sink = make_sink(name, SinkFormat{});
@@ -83,7 +83,7 @@ TEST_F(FilmIoTest, DevicesAreWrittenDirectly) {
 class ContainerTest : public FilmTest, public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(ContainerTest, KeepsPicturesAndTimes) {
-    const std::string name = folder_.file(std::string("film") + GetParam());
+    const std::string name = folder_.path(std::string("film") + GetParam());
     std::vector<RgbPicture> pictures;
     for (int i = 0; i < 9; ++i)
         pictures.push_back(moving_picture(64, 48, i));
@@ -106,8 +106,8 @@ INSTANTIATE_TEST_SUITE_P(Names, ContainerTest,
 TEST_F(FilmIoTest, OddSizesAreKept) {
     for (const char* name : {"odd.mkv", "odd.avi", "odd.mp4"}) {
         const RgbPicture picture = moving_picture(37, 21, 0);
-        write_film(folder_.file(name), {picture, picture});
-        const Film film = read_film(folder_.file(name));
+        write_film(folder_.path(name), {picture, picture});
+        const Film film = read_film(folder_.path(name));
         ASSERT_EQ(film.pictures.size(), 2U) << name;
         EXPECT_EQ(film.pictures[0].width, 37);
         EXPECT_EQ(film.pictures[0].height, 21);
@@ -138,7 +138,7 @@ TEST_F(FilmIoTest, TicksFitEveryCodec) {
 }
 
 TEST_F(FilmIoTest, TimesGrowEvenWhereThoseGivenDoNot) {
-    const std::string name = folder_.file("x.mkv");
+    const std::string name = folder_.path("x.mkv");
     const auto sink = make_sink(name, SinkFormat{});
     for (const double seconds : {5.0, 5.04, 5.04, 5.03, 5.2})
         sink->write(moving_picture(32, 32, 0), seconds);
@@ -158,18 +158,18 @@ TEST_F(FilmIoTest, NamesThatCannotWork) {
     EXPECT_EQ(refused("x.png"),
               "'x.png' is no film; numbered pictures need a name like picture-%05d.png");
     EXPECT_EQ(refused("x.mp3"), "there is no video encoder for 'x.mp3'");
-    const std::string nowhere = folder_.file("not/there.mkv");
+    const std::string nowhere = folder_.path("not/there.mkv");
     EXPECT_EQ(message_of([&] { write_film(nowhere, {moving_picture(32, 32, 0)}); }),
               "cannot write '" + nowhere + "': No such file or directory");
-    const std::string pictures = folder_.file("not/there-%d.png");
+    const std::string pictures = folder_.path("not/there-%d.png");
     EXPECT_EQ(message_of([&] { write_film(pictures, {moving_picture(32, 32, 0)}); }),
-              "cannot write '" + folder_.file("not/there-1.png") + "'");
+              "cannot write '" + folder_.path("not/there-1.png") + "'");
 }
 
 TEST_F(FilmIoTest, EncoderThatRefusesIsNamed) {
     SinkFormat format;
     format.pictures_per_second = 3.0;
-    const std::string name = folder_.file("x.mpg");
+    const std::string name = folder_.path("x.mpg");
     const std::string message = message_of([&] {
         const auto sink = make_sink(name, format);
         sink->write(moving_picture(64, 48, 0), 0.0);
@@ -181,16 +181,16 @@ TEST_F(FilmIoTest, EncoderThatRefusesIsNamed) {
 
 TEST_F(FilmIoTest, SizeMayChangeBetweenPicturesButNotInAFilm) {
     const std::vector<RgbPicture> pictures{moving_picture(32, 32, 0), moving_picture(48, 32, 0)};
-    const std::string name = folder_.file("x.mkv");
+    const std::string name = folder_.path("x.mkv");
     EXPECT_EQ(
         message_of([&] { write_film(name, pictures); }),
         "the pictures change their size, which '" + name + "' cannot hold; numbered pictures can");
-    write_film(folder_.file("%d.png"), pictures);
-    EXPECT_EQ(read_film(folder_.file("2.png")).pictures.at(0).width, 48);
+    write_film(folder_.path("%d.png"), pictures);
+    EXPECT_EQ(read_film(folder_.path("2.png")).pictures.at(0).width, 48);
 }
 
 TEST_F(FilmIoTest, FilmWithoutPicturesIsAnError) {
-    const std::string name = folder_.file("x.mkv");
+    const std::string name = folder_.path("x.mkv");
     EXPECT_EQ(message_of([&] { make_sink(name, SinkFormat{})->finish(); }),
               "there are no pictures to write to '" + name + "'");
     EXPECT_EQ(folder_.files(), 0);
@@ -200,9 +200,9 @@ TEST_F(FilmIoTest, NumberedPicturesAreExact) {
     std::vector<RgbPicture> pictures;
     for (unsigned i = 0; i < 3; ++i)
         pictures.push_back(noise_picture(33, 17, i));
-    write_film(folder_.file("p-%03d.png"), pictures);
+    write_film(folder_.path("p-%03d.png"), pictures);
     EXPECT_EQ(folder_.files(), 3);
-    const Film film = read_film(folder_.file("p-%03d.png"));
+    const Film film = read_film(folder_.path("p-%03d.png"));
     ASSERT_EQ(film.pictures.size(), 3U);
     for (std::size_t i = 0; i < 3; ++i)
         EXPECT_EQ(difference(film.pictures[i], pictures[i]).largest, 0);
@@ -215,14 +215,14 @@ TEST_F(FilmIoTest, WhatCannotBeReadIsNamed) {
         return message_of([&] { FilmReader reader(path); });
     };
     EXPECT_EQ(refused("not there"), "cannot open 'not there': No such file or directory");
-    const std::string text = folder_.file("text.txt");
+    const std::string text = folder_.path("text.txt");
     std::ofstream(text) << "no film\n";
     EXPECT_NE(refused(text).find("'" + text + "'"), std::string::npos) << refused(text);
-    EXPECT_NE(refused(folder_.path().string()), "");
+    EXPECT_NE(refused(folder_.folder().string()), "");
 }
 
 TEST_F(FilmIoTest, DamagedFilmGivesWhatIsLeft) {
-    const std::string name = folder_.file("x.ts");
+    const std::string name = folder_.path("x.ts");
     std::vector<RgbPicture> pictures;
     for (int i = 0; i < 20; ++i)
         pictures.push_back(noise_picture(128, 96, static_cast<unsigned>(i)));

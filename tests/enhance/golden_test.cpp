@@ -37,14 +37,14 @@ TEST_P(GoldenTest, PictureOfARealFilm) {
     const Golden& golden = GetParam();
     std::vector<std::string> arguments = golden.options;
     arguments.push_back(TEST_DATA "/dog-64x48.avi");
-    arguments.push_back(folder_.file("%d.png"));
+    arguments.push_back(folder_.path("%d.png"));
     ASSERT_EQ(enhance(arguments), 0) << errors_;
     const RgbPicture found =
-        read_film(folder_.file(std::to_string(golden.picture) + ".png")).pictures.at(0);
+        read_film(folder_.path(std::to_string(golden.picture) + ".png")).pictures.at(0);
     const std::string kept = std::string(GOLDEN_FOLDER "/") + golden.name;
     if (std::getenv("VYX_WRITE_GOLDEN")) {
-        write_film(folder_.file("kept-%d.png"), {found});
-        std::filesystem::copy_file(folder_.file("kept-1.png"), kept + ".png",
+        write_film(folder_.path("kept-%d.png"), {found});
+        std::filesystem::copy_file(folder_.path("kept-1.png"), kept + ".png",
                                    std::filesystem::copy_options::overwrite_existing);
         GTEST_SKIP() << "written";
     }

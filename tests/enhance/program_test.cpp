@@ -20,13 +20,13 @@ class ExactProgramTest : public FilmTest {
         for (unsigned i = 0; i < 4; ++i)
             pictures_.push_back(noise_picture(45, 27, i));
         write_film(in_, pictures_);
-        std::filesystem::create_directory(folder_.path() / "out");
+        std::filesystem::create_directory(folder_.folder() / "out");
     }
     Film result() { return read_film(out_); }
 
     std::vector<RgbPicture> pictures_;
-    const std::string in_ = folder_.file("in-%02d.png");
-    const std::string out_ = folder_.file("out/%02d.png");
+    const std::string in_ = folder_.path("in-%02d.png");
+    const std::string out_ = folder_.path("out/%02d.png");
 };
 
 TEST_F(ExactProgramTest, DefaultsChangeNothing) {
@@ -65,8 +65,8 @@ TEST_F(ExactProgramTest, EveryPictureIsAmongThoseOfATemporalFactor) {
                 pictures_[0].bytes[k] + (pictures_[1].bytes[k] - pictures_[0].bytes[k]) / double(T);
             EXPECT_NEAR(film.pictures[1].bytes[k], expected, 1.0);
         }
-        std::filesystem::remove_all(folder_.path() / "out");
-        std::filesystem::create_directory(folder_.path() / "out");
+        std::filesystem::remove_all(folder_.folder() / "out");
+        std::filesystem::create_directory(folder_.folder() / "out");
     }
 }
 
@@ -115,7 +115,7 @@ TEST_F(ExactProgramTest, DemoLeavesTheLeftHalf) {
 }
 
 TEST_F(EnhanceProgramTest, FilmKeepsItsLengthAndGetsMorePictures) {
-    const std::string out = folder_.file("out.mkv");
+    const std::string out = folder_.path("out.mkv");
     ASSERT_EQ(enhance({"--temporal", "4", "--spatial", "2", TEST_DATA "/dog-64x48.avi", out}), 0)
         << errors_;
     const Film film = read_film(out);
@@ -127,7 +127,7 @@ TEST_F(EnhanceProgramTest, FilmKeepsItsLengthAndGetsMorePictures) {
 }
 
 TEST_F(EnhanceProgramTest, DefaultsKeepAFilm) {
-    const std::string out = folder_.file("out.mp4");
+    const std::string out = folder_.path("out.mp4");
     ASSERT_EQ(enhance({TEST_DATA "/dog-64x48.avi", out}), 0) << errors_;
     const Film before = read_film(TEST_DATA "/dog-64x48.avi");
     const Film after = read_film(out);
@@ -147,10 +147,10 @@ TEST_F(EnhanceProgramTest, LastPictureIsSmoothedLikeTheOthers) {
             return 120 + noise.bytes[static_cast<std::size_t>((y * 64 + x) * 3 + channel)] % 16;
         }));
     }
-    const std::string film = folder_.file("noisy.mpg");
+    const std::string film = folder_.path("noisy.mpg");
     write_film(film, noisy);
-    const std::string plain = folder_.file("plain-%d.png");
-    const std::string cleaned = folder_.file("cleaned-%d.png");
+    const std::string plain = folder_.path("plain-%d.png");
+    const std::string cleaned = folder_.path("cleaned-%d.png");
     ASSERT_EQ(enhance({film, plain}), 0) << errors_;
     ASSERT_EQ(enhance({"--denoise", "40", film, cleaned}), 0) << errors_;
     const Film before = read_film(plain);
@@ -169,7 +169,7 @@ TEST_F(EnhanceProgramTest, HelpAndMistakes) {
     EXPECT_EQ(errors_, "");
     EXPECT_EQ(enhance({}), 1);
     EXPECT_EQ(errors_, "vyx-enhance: INPUT and OUTPUT must be given; --help explains\n");
-    EXPECT_EQ(enhance({"not there", folder_.file("x.mkv")}), 1);
+    EXPECT_EQ(enhance({"not there", folder_.path("x.mkv")}), 1);
     EXPECT_EQ(errors_, "vyx-enhance: cannot open 'not there': No such file or directory\n");
     EXPECT_EQ(enhance({TEST_DATA "/dog-64x48.avi", "x.unheard"}), 1);
     EXPECT_EQ(errors_, "vyx-enhance: no kind of film goes by the name of 'x.unheard'\n");
@@ -177,21 +177,21 @@ TEST_F(EnhanceProgramTest, HelpAndMistakes) {
 }
 
 TEST_F(EnhanceProgramTest, InputIsNeverTheOutput) {
-    const std::string name = folder_.file("x.mkv");
+    const std::string name = folder_.path("x.mkv");
     write_film(name, {moving_picture(32, 32, 0), moving_picture(32, 32, 1)});
-    EXPECT_EQ(enhance({name, folder_.file("./x.mkv")}), 1);
+    EXPECT_EQ(enhance({name, folder_.path("./x.mkv")}), 1);
     EXPECT_NE(errors_.find("are the same file"), std::string::npos) << errors_;
     EXPECT_EQ(read_film(name).pictures.size(), 2U);
 }
 
 // The program itself, with no display, as a user starts it.
 TEST_F(EnhanceProgramTest, ProgramRunsWithoutADisplay) {
-    const std::string out = folder_.file("out.mkv");
+    const std::string out = folder_.path("out.mkv");
     const std::string command = std::string("env -u DISPLAY -u WAYLAND_DISPLAY " ENHANCE_PROGRAM
                                             " --spatial 2 " TEST_DATA "/dog-64x48.avi ") +
-                                out + " >" + folder_.file("log") + " 2>&1";
+                                out + " >" + folder_.path("log") + " 2>&1";
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 0);
-    EXPECT_EQ(std::filesystem::file_size(folder_.file("log")), 0U);
+    EXPECT_EQ(std::filesystem::file_size(folder_.path("log")), 0U);
     EXPECT_EQ(read_film(out).pictures.size(), 5U);
     const std::string wrong = ENHANCE_PROGRAM " --nonsense 2>/dev/null";
     EXPECT_EQ(WEXITSTATUS(std::system(wrong.c_str())), 1);

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -23,6 +24,11 @@ class TemporaryFolder {
 
     std::string path(const std::string& name) const { return (folder_ / name).string(); }
     const std::filesystem::path& folder() const { return folder_; }
+    /// How many files there are.
+    std::ptrdiff_t files() const {
+        const std::filesystem::directory_iterator all(folder_);
+        return std::distance(begin(all), end(all));
+    }
 
   private:
     std::filesystem::path folder_;
