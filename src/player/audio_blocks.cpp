@@ -56,8 +56,9 @@ class Mixing {
     int run() {
         while (!(done_[0] && done_[1])) {
             for (const std::size_t i : older_first())
-                if (!out_.blocks[i].is_loaded() && !done_[i]) load(i);
-            if (out_.blocks[0].size == 0 && out_.blocks[1].size == 0) break;
+                if (!out_.blocks[i].is_loaded() && !done_[i] && !out_.starting) load(i);
+            if (out_.starting) break;  // a seek came up: the clocks place what follows
+            if (!out_.blocks[0].is_loaded() && !out_.blocks[1].is_loaded()) break;
             for (const std::size_t i : older_first())
                 if (!done_[i]) mix(i);
         }
@@ -189,9 +190,19 @@ void audio_processor(VideoState* is, short* samples, int n, int channels, int ou
 }
 
 int decode_block(VideoState* is, AudioBlock& block, double* pts) {
-    const int bytes = audio_decode_frame(is, block.data.data(), AudioBlock::decoded_bytes, pts);
-    if (bytes < 1) return bytes;
-    return bytes / (is->audio->decoding.channels * 2) * is->audio->frame_bytes();
+    const int frame = is->audio->decoding.channels * 2;
+    int filled = 0;
+    double time = 0.0;
+    while (filled < AudioBlock::least_frames * frame) {
+        const int bytes = audio_decode_frame(is, block.data.data() + filled,
+                                             AudioBlock::decoded_bytes - filled, &time);
+        if (is->audio->starting && filled > 0 && bytes < 0) return bytes;  // a seek came up
+        if (bytes < 1 && filled == 0) return bytes;
+        if (bytes < 1) break;
+        if (filled == 0) *pts = time;
+        filled += bytes;
+    }
+    return filled / frame * is->audio->frame_bytes();
 }
 
 void process_block(VideoState* is, AudioBlock& block, int bytes) {

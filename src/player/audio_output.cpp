@@ -59,11 +59,13 @@ bool open_device(VideoState* is, int sample_rate) {
 
 // There is none for streams without a rate or with more channels than loudspeakers are known for.
 bool open_chain(VideoState* is, const AVStream* stream) {
-    const int channels = stream->codecpar->ch_layout.nb_channels;
+    const AVChannelLayout& layout = stream->codecpar->ch_layout;
+    const int channels = layout.nb_channels;
     const int sample_rate = stream->codecpar->sample_rate;
+    const std::uint64_t mask = layout.order == AV_CHANNEL_ORDER_NATIVE ? layout.u.mask : 0;
     is->audio_scope[0] = new CircularBuffer<float>(scope_samples);
     if (channels > 1) is->audio_scope[1] = new CircularBuffer<float>(scope_samples);
-    is->resampler_in = AudioConverter::to_planes(channels, sample_rate);
+    is->resampler_in = AudioConverter::to_planes(channels, sample_rate, mask);
     is->resampler_out = AudioConverter::to_samples(sample_rate);
     return is->resampler_in && is->resampler_out;
 }

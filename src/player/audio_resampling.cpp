@@ -24,8 +24,7 @@ bool fits(const AudioDecoding& decoding) {
 
 bool needs_resampling(const AudioDecoding& decoding) {
     const int format = decoding.frame->format;
-    return !is_readable(format) || !fits(decoding) ||
-           (decoding.channels == 1 && is_float(format));
+    return !is_readable(format) || !fits(decoding) || (decoding.channels == 1 && is_float(format));
 }
 
 ResamplerPtr open_resampler(const AudioDecoding& decoding) {

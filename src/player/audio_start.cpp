@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr double lost_track = 10.0;     // seconds
-constexpr double longest_wait = 1.0;    // seconds, for a picture
-constexpr int most_blocks_passed = 32;  // in one call: decoding takes time
+constexpr double lost_track = 10.0;   // seconds
+constexpr double longest_wait = 1.0;  // seconds, for a picture
+constexpr double most_passed = 0.7;   // seconds of sound in one call: decoding takes time
 
 double seconds(const AudioOutput& out, std::int64_t bytes) {
     return static_cast<double>(bytes) / out.bytes_per_second();
@@ -64,13 +64,16 @@ bool start_sound(VideoState* is, int len) {
     AudioOutput& out = *is->audio;
     out.forget_blocks();
     AudioBlock& block = out.blocks[0];
-    for (int i = 0; i < most_blocks_passed; ++i) {
+    for (double passed = 0.0; passed < most_passed;) {
         double pts = 0.0;
         const int bytes = decode_block(is, block, &pts);
         if (bytes < 1) return false;
         note_audio_clock(is);
         const double ahead = seconds_ahead(is);
-        if (-ahead >= seconds(out, bytes)) continue;  // it should have been heard before now
+        if (-ahead >= seconds(out, bytes)) {  // it should have been heard before now
+            passed += seconds(out, bytes);
+            continue;
+        }
         process_block(is, block, bytes);
         place_block(block, bytes, out.output_position);
         shift(is, ahead);

@@ -16,6 +16,9 @@ struct AudioBlock {
     static constexpr int data_bytes = 65536;
     /// The most that is decoded into a block.
     static constexpr int decoded_bytes = 32768;
+    /// Decoders may give less at a time. A block of fewer frames could not be made shorter or
+    /// longer without a click.
+    static constexpr int least_frames = 512;
 
     enum Flag : int { loaded = 1, fades_out = 2, fades_in = 4 };
 

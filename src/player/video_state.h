@@ -107,7 +107,7 @@ struct VideoState {
     StreamInfo video_info;
     AVRational stream_aspect{0, 1};      ///< of a pixel by the container. [demux], then [video]
     double stream_frame_duration = 0.0;  ///< seconds, 0 when unknown. [demux], then [video]
-    QuantiserReader quantisers;               ///< [video]
+    QuantiserReader quantisers;          ///< [video]
     int last_width = 0;                  ///< of the last picture decoded. [video]
     int last_height = 0;
     bool too_large = false;                ///< for a texture. [video]
@@ -134,7 +134,7 @@ struct VideoState {
     bool last_seek_failed = false;              ///< [demux]
     std::int64_t last_seek_time = 0;            ///< wall time in microseconds. [demux]
     std::atomic<int> seeks_done{0};             ///< seeks carried out. [demux]
-    std::atomic<int> seeks_seen{0};  ///< the newest whose first picture is queued. [video]
+    std::atomic<int> seeks_seen{0};          ///< the newest whose first picture is queued. [video]
     std::atomic<int> video_clock_seeks{-1};  ///< `seeks` of the picture that set the clock. [main]
     MutexPtr picture_queue_mutex;
     CondPtr picture_queue_cond;

@@ -161,7 +161,8 @@ TEST_F(AudioProcessorDuty, SettingsAndScopeMayBeUsedMeanwhile) {
     });
     float loudest = 0.0F;
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    for (int step = 0; blocks < 50 && std::chrono::steady_clock::now() < deadline; ++step) {
+    const auto enough = [&] { return blocks >= 50 && loudest > 0.0F; };
+    for (int step = 0; !enough() && std::chrono::steady_clock::now() < deadline; ++step) {
         master_settings.volume.setValue(static_cast<float>(step % 50 - 40));
         master_settings.eq_mid.setValue(static_cast<float>(step % 11));
         master_settings.audio_dnr_level.setValue(static_cast<float>(step % 2));

@@ -412,4 +412,14 @@ TEST_F(DenoisingPassTest, FullSharpeningGoesBeyondTheFilteredPicture) {
     EXPECT_NEAR(download(full).at(16, 10).r, a.r + 2.5F * (b.r - a.r), 0.005F);
 }
 
+TEST(DenoisingDisplacements, AreTheseInThisOrder) {
+    const float expected[][2] = {{2, 0}, {4, 0},  {-4, 2}, {-2, 2}, {0, 2}, {2, 2},
+                                 {4, 2}, {-4, 4}, {-2, 4}, {0, 4},  {2, 4}, {4, 4}};
+    ASSERT_EQ(std::size(denoising::displacements), std::size(expected));
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        EXPECT_EQ(denoising::displacements[i].x, expected[i][0]) << i;
+        EXPECT_EQ(denoising::displacements[i].y, expected[i][1]) << i;
+    }
+}
+
 }  // namespace

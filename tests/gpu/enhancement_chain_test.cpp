@@ -361,6 +361,39 @@ TEST_F(EnhancementChainTest, HookSeesEveryPictureOnceAndMayChangeIt) {
     EXPECT_EQ(shown.at(5, 5).g, 1.0F) << "what the hook wrote is shown";
 }
 
+TEST_F(EnhancementChainTest, PreviousPictureIsMadeUpForAndHookedFirst) {
+    hooked.clear();
+    queue(0, film(0));
+    queue(1, film(1));
+    show(0);
+    hook_ = [](PostprocessingInfo* info) { hooked.push_back(*info); };
+    show(1);
+    ASSERT_EQ(hooked.size(), 2U);
+    EXPECT_EQ(hooked[0].pts, 0.0);
+    EXPECT_EQ(hooked[1].pts, 1.0);
+    show(1);
+    EXPECT_EQ(hooked.size(), 2U) << "once each";
+}
+
+TEST_F(EnhancementChainTest, LastPhaseIsThePictureItselfWithoutAPass) {
+    set(master_settings.temporal_upscaling_factor, 4);
+    queue(0, film(0));
+    queue(1, film(1));
+    show(0);
+    phase_step_ = 4;
+    phase_fraction_ = 0.9F;
+    {
+        const PassRecorder recorder;
+        show(1);
+        EXPECT_EQ(recorder.passes().size(), 1U) << "in between it is made";
+    }
+    phase_step_ = 5;
+    phase_fraction_ = 0.0F;
+    const PassRecorder recorder;
+    EXPECT_EQ(largest_difference(show(1), as_8_bits(film(1)), 3), 0.0F);
+    EXPECT_TRUE(recorder.passes().empty());
+}
+
 TEST_F(EnhancementChainTest, HookAloneCopiesThePicture) {
     hook_ = [](PostprocessingInfo*) {};
     queue(0, film(0));

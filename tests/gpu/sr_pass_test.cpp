@@ -269,23 +269,23 @@ TEST_F(SrPassTest, PictureWithoutVectorsCountsAsStill) {
     EXPECT_EQ(largest_difference(download(cur.enhanced), still), 0.0F);
 }
 
-// A picture that moved by whole source texels is predicted by its vector exactly: where the
-// reference's enhanced picture and source agree, nothing but the picture itself is left.
+// Detail that only the reference's enhanced picture has is taken along by half of it, from where
+// the vector points to; at whole source texels the picture itself stands.
 TEST_F(SrPassTest, KnownMotionIsFollowed) {
     constexpr int f = 2;
     constexpr int dx = 3;
     constexpr int dy = -2;
+    const auto detail = [](int x, int y) { return (x / 3 + 2 * (y / 5)) % 3 == 0 ? 0.2F : -0.1F; };
     VideoPicture cur;
     make_picture(cur, 64, 48, f);
     put(cur.rgb, film_like_image(64, 48));
-    const object_ref<gl_texture_resource> ref_rgb =
-        upload(film_like_image(64, 48, static_cast<float>(-dx), static_cast<float>(-dy)), GL_RGBA);
+    const object_ref<gl_texture_resource> ref_rgb = upload(film_like_image(64, 48, 0.4F), GL_RGBA);
     const Image ref_rgb_image = download(ref_rgb);
-    // The reference's enhanced picture is its linear enlargement: the correction is then zero
-    // exactly where the vector is right.
     const object_ref<gl_texture_resource> ref = upload(make_image(128, 96, [&](int x, int y) {
-        return ref_rgb_image.linear((static_cast<float>(x) + 0.5F) / f,
-                                    (static_cast<float>(y) + 0.5F) / f);
+        const Rgba t = ref_rgb_image.linear((static_cast<float>(x) + 0.5F) / f,
+                                            (static_cast<float>(y) + 0.5F) / f);
+        const float d = detail(x, y);
+        return Rgba{t.r + d, t.g + d, t.b + d, t.a};
     }));
     for (int r = 0; r < cur.motion_vectors.rows(); ++r) {
         for (int c = 0; c < cur.motion_vectors.columns(); ++c)
@@ -295,12 +295,23 @@ TEST_F(SrPassTest, KnownMotionIsFollowed) {
     upload_block_vectors(cur, vectors);
     sr::compensated_estimate(cur.enhanced, cur.rgb, {ref, ref_rgb, vectors, block_size(cur)}, f);
     const Image found = download(cur.enhanced);
-    const Image expected = twins::sr_Ia(download(cur.rgb), f);
+    const Image plain = twins::sr_Ia(download(cur.rgb), f);
     for (int y = 8; y < 88; ++y) {
         for (int x = 8; x < 120; ++x) {
+            const bool whole = x % f == 0 && y % f == 0;
+            const float taken = whole ? 0.0F : 0.5F * detail(x + f * dx, y + f * dy);
             // Half precision of three terms (measured 0.0007).
-            ASSERT_NEAR(found.at(x, y).r, expected.at(x, y).r, 0.0015F) << x << "," << y;
+            ASSERT_NEAR(found.at(x, y).r, plain.at(x, y).r + taken, 0.0015F) << x << "," << y;
         }
+    }
+}
+
+TEST(SrDisplacements, AreTheseInThisOrder) {
+    const float expected[][2] = {{2, 0}, {-4, 2}, {-2, 2}, {0, 2}, {2, 2}};
+    ASSERT_EQ(std::size(sr::displacements), std::size(expected));
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        EXPECT_EQ(sr::displacements[i].x, expected[i][0]) << i;
+        EXPECT_EQ(sr::displacements[i].y, expected[i][1]) << i;
     }
 }
 

@@ -78,7 +78,8 @@ INSTANTIATE_TEST_SUITE_P(Clips, StrangeFilms,
                                            Playable{"rgb.mkv", 25, 25, 320, 180},
                                            Playable{"grey.mkv", 25, 25, 320, 180},
                                            Playable{"wide_4000.mp4", 25, 25, 4000, 400},
-                                           Playable{"broken_sound.mkv", 100, 100, 320, 180}),
+                                           Playable{"broken_sound.mkv", 100, 100, 320, 180},
+                                           Playable{"sound_gap.mkv", 150, 150, 320, 180}),
                          clip_test_name<Playable>);
 
 TEST_F(BadInput, PicturesLargerThanATextureAreNotShown) {

@@ -23,6 +23,7 @@ AVStream* make_stream(VideoState& state, const PcmFormat& format) {
     parameters->codec_id = format.codec;
     parameters->sample_rate = format.sample_rate;
     av_channel_layout_default(&parameters->ch_layout, format.channels);
+    if (format.layout) av_channel_layout_from_mask(&parameters->ch_layout, format.layout);
     return stream;
 }
 

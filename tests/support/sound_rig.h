@@ -15,6 +15,7 @@ struct PcmFormat {
     AVCodecID codec = AV_CODEC_ID_PCM_S16LE;
     int channels = 2;
     int sample_rate = 48000;
+    std::uint64_t layout = 0;  ///< mask of loudspeakers; 0: the usual ones
 };
 
 /// Sound of the player without a file, a device or time: the test puts packets into the queue,
