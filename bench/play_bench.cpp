@@ -4,9 +4,9 @@
 //     bench_play SECONDS FILM [seeks] [SETTING=VALUE...]
 //
 // With "seeks" it jumps to another place of the film every second, once two seconds have passed, and
-// tells how long it took until a picture from there was on screen. One line per figure: name, value, unit. Times are wall-clock; CPU time is the whole process's,
-// all threads. What it leaves out: the X server's work, which the window system does for every
-// player.
+// tells how long it took until a picture from there was on screen. One line per figure: name,
+// value, unit. Times are wall-clock; CPU time is the whole process's, all threads. What it leaves
+// out: the X server's work, which the window system does for every player.
 
 #include "core/settings.h"
 #include "player/clocks.h"
@@ -38,6 +38,8 @@ struct Measurements {
     std::vector<double> shown_late;  // milliseconds: swap done minus due
     std::vector<double> seek_times;  // milliseconds: request to swap
     double last_due = 0.0;
+    int shown = 0;
+    double last_pts = -1.0;
     std::int64_t seek_start = 0;     // 0: none under way
     double seek_target = 0.0;        // seconds
     std::int64_t next_seek = 0;
@@ -71,8 +73,11 @@ void after_swap(VideoState* is, std::int64_t now) {
     const double pts = is->pictures[static_cast<std::size_t>(is->shown_picture)].pts;
     if (measured.seeks) watch_seeks(is, now, pts);
     measured.unseen = is->pictures_unseen;
+    if (pts != measured.last_pts) ++measured.shown;
+    measured.last_pts = pts;
     const double due = is->clocks.displayed_due;
-    if (due == measured.last_due || is->paused) return;
+    // Without a timer, as with interpolation at its top setting, nothing is due at a certain time.
+    if (due == measured.last_due || due <= 0.0 || is->paused) return;
     measured.last_due = due;
     measured.shown_late.push_back((static_cast<double>(now) / 1e6 - due) * 1e3);
     measured.begun_late.push_back((static_cast<double>(is->video_current_pts_time) / 1e6 - due) *
@@ -135,13 +140,14 @@ void report() {
     std::printf("resident_peak %.1f MB\n", resident_peak_mb());
     std::printf("first_picture %.3f s\n",
                 static_cast<double>(measured.first_picture - measured.start) / 1e6);
-    std::printf("pictures_shown %zu\n", measured.shown_late.size());
+    std::printf("pictures_shown %d\n", measured.shown);
     std::printf("pictures_unseen %d\n", measured.unseen);
     if (measured.seeks) {
         std::printf("seeks %zu\n", measured.seek_times.size());
         std::printf("seek_to_picture_p50 %.1f ms\n", percentile(measured.seek_times, 0.5));
         std::printf("seek_to_picture_p100 %.1f ms\n", percentile(measured.seek_times, 1.0));
     }
+    if (measured.shown_late.empty()) return;
     for (const double part : {0.5, 0.9, 0.99, 1.0}) {
         std::printf("begun_minus_due_p%g %.3f ms\n", part * 100,
                     percentile(measured.begun_late, part));
