@@ -390,7 +390,7 @@ TEST_F(EnhancementChainTest, LastPhaseIsThePictureItselfWithoutAPass) {
     phase_step_ = 5;
     phase_fraction_ = 0.0F;
     const PassRecorder recorder;
-    EXPECT_EQ(largest_difference(show(1), as_8_bits(film(1)), 3), 0.0F);
+    EXPECT_LT(largest_difference(show(1), as_8_bits(film(1)), 3), 1e-6F);
     EXPECT_TRUE(recorder.passes().empty());
 }
 

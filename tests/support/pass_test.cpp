@@ -2,11 +2,31 @@
 #include "support/pass_test.h"
 
 #include <algorithm>
+#include <fstream>
+#include <stdexcept>
 
 namespace {
 
 // Room for the rounding of the comparison itself.
 constexpr float slack = 1.001F;
+
+// A portable pixmap of 8 bits, as the one that is kept.
+Image read_pixmap(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string kind;
+    int width = 0;
+    int height = 0;
+    int largest = 0;
+    file >> kind >> width >> height >> largest;
+    file.get();
+    if (!file || kind != "P6" || largest != 255) throw std::runtime_error("cannot read " + path);
+    return make_image(width, height, [&](int, int) {
+        const auto next = [&] { return static_cast<float>(file.get()) / 255.0F; };
+        const float r = next();
+        const float g = next();
+        return Rgba{r, g, next(), 1.0F};
+    });
+}
 
 }  // namespace
 
@@ -29,6 +49,19 @@ const Content& film_like_content() {
     return content;
 }
 
+const Content& real_content() {
+    static const Image picture = read_pixmap(TEST_DATA "/dog-64x48.ppm");
+    // A part of it, another one for every seed; it starts again where it ends.
+    static const Content content = [](int w, int h, unsigned seed) {
+        const int left = static_cast<int>(seed * 7 % 64);
+        const int top = static_cast<int>(seed * 5 % 48);
+        return make_image(w, h, [&](int x, int y) {
+            return picture.at((x + left) % picture.width(), (y + top) % picture.height());
+        });
+    };
+    return content;
+}
+
 Held PassTest::hold(const Image& image, int format) {
     Held held{upload(image, format), {}};
     held.image = download(held.texture);
@@ -46,7 +79,7 @@ void PassTest::everywhere(
     for (const Size size : awkward_sizes) {
         for (int f = lowest_factor; f <= 4; ++f) {
             for (const Content* content :
-                 {&random_content(), &extreme_content(), &film_like_content()}) {
+                 {&random_content(), &extreme_content(), &film_like_content(), &real_content()}) {
                 SCOPED_TRACE(::testing::Message() << size.width << "x" << size.height << " factor "
                                                   << f << " seed " << seed);
                 test(size, f, *content, seed);

@@ -17,10 +17,11 @@ struct Held {
 /// Makes a picture of a size from a seed.
 using Content = std::function<Image(int width, int height, unsigned seed)>;
 
-/// Random, extreme (only 0 and 1) and film-like content.
+/// Random, extreme (only 0 and 1) and film-like content, and parts of a real film's picture.
 const Content& random_content();
 const Content& extreme_content();
 const Content& film_like_content();
+const Content& real_content();
 
 /// Half of the step of 8-bit textures decides how values round; two roundings of one value may
 /// differ by a whole one.
@@ -34,7 +35,7 @@ class PassTest : public GlTest {
     object_ref<gl_texture_resource> target(int width, int height, int format);
 
     /// Calls `test` with every awkward size, every factor from `lowest_factor` to 4, random,
-    /// extreme and film-like content, and seeds that differ by 10.
+    /// extreme, film-like and real content, and seeds that differ by 10.
     void everywhere(
         int lowest_factor,
         const std::function<void(Size, int factor, const Content&, unsigned seed)>& test);
