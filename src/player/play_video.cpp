@@ -194,6 +194,8 @@ int play_video(PlayVideoArgs* args) {
     set_thread_role(ThreadRole::main);
     av_log_set_level(AV_LOG_ERROR);
     if (!init_sdl()) return 1;
+    // What comes in before the event loop runs must not fill the queue: the wish to quit has to fit.
+    SDL_EventState(SDL_MOUSEMOTION, SDL_IGNORE);
     if (!open_window(args) || !open_gl() || !open_first_file(*args)) {
         SDL_Quit();  // gives the screen its own mode back
         return 1;
@@ -205,6 +207,7 @@ int play_video(PlayVideoArgs* args) {
         set_infolabel(banner);
     }
     apply_start_values(*args);
+    SDL_EventState(SDL_MOUSEMOTION, SDL_ENABLE);
     return run_event_loop();
 }
 
