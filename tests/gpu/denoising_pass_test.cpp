@@ -96,9 +96,16 @@ TEST_F(DenoisingPassTest, Weights) {
                 const Image expected =
                     twins::denoise_V(in.image, cur, static_cast<double>(level),
                                      static_cast<int>(d.x), static_cast<int>(d.y), f);
+                const Image found = download(out);
                 // Relative to the largest weight, e^4 (measured 0.00077).
-                const Difference found = difference(download(out), expected);
-                EXPECT_LE(found.largest / denoising::perfect_weight, 0.0015F) << "level " << level;
+                const Difference absolute = difference(found, expected);
+                EXPECT_LE(absolute.largest / denoising::perfect_weight, 0.0015F)
+                    << "level " << level;
+                // And to each weight that counts for anything beside it: the quantiser is kept in
+                // half precision, which its square and an exponent of up to 7 make 14 times as
+                // much (measured 0.0063).
+                const Difference relative = relative_difference(found, expected, 4, 0.05F);
+                EXPECT_LE(relative.largest, 0.008F) << "level " << level;
             }
         }
     });
