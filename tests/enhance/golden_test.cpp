@@ -10,7 +10,7 @@ namespace {
 
 // A setting, and the picture of its result that is kept.
 struct Golden {
-    const char* name;
+    std::string name;
     std::vector<std::string> options;
     std::size_t picture;
 };
@@ -46,7 +46,7 @@ TEST_P(GoldenTest, PictureOfARealFilm) {
         write_film(folder_.path("kept-%d.png"), {found});
         std::filesystem::copy_file(folder_.path("kept-1.png"), kept + ".png",
                                    std::filesystem::copy_options::overwrite_existing);
-        GTEST_SKIP() << "written";
+        return;
     }
     const RgbPicture expected = read_film(kept + ".png").pictures.at(0);
     const RgbDifference d = difference(found, expected);
@@ -59,59 +59,44 @@ TEST_P(GoldenTest, PictureOfARealFilm) {
     if (HasFailure()) save(golden.name, found, expected);
 }
 
+std::vector<Golden> every_interpolation() {
+    std::vector<Golden> all;
+    for (const bool denoised : {false, true}) {
+        for (const char* factor : {"1", "2", "3", "4"}) {
+            for (const std::string method : {"blend", "4nb", "8nb"}) {
+                Golden golden{method + "_" + factor + "x",
+                              {"--temporal", "3", "--method", method, "--spatial", factor},
+                              5};
+                if (denoised) {
+                    golden.name = "denoise_" + golden.name;
+                    golden.options.insert(golden.options.end(), {"--denoise", "10"});
+                }
+                all.push_back(golden);
+            }
+        }
+    }
+    return all;
+}
+
+std::string name_of(const ::testing::TestParamInfo<Golden>& golden) {
+    return golden.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Interpolation, GoldenTest, ::testing::ValuesIn(every_interpolation()),
+                         name_of);
+
 INSTANTIATE_TEST_SUITE_P(
     Film, GoldenTest,
-    ::testing::Values(
-        Golden{"sr_2x", {"--spatial", "2"}, 4}, Golden{"sr_3x", {"--spatial", "3"}, 4},
-        Golden{"sr_4x", {"--spatial", "4"}, 4}, Golden{"denoise_1x", {"--denoise", "8"}, 4},
-        Golden{"denoise_2x", {"--denoise", "8", "--spatial", "2"}, 4},
-        Golden{"denoise_3x", {"--denoise", "12", "--spatial", "3"}, 4},
-        Golden{"denoise_4x", {"--denoise", "12", "--spatial", "4"}, 4},
-        Golden{"denoise_sharpen_1x", {"--denoise", "8", "--sharpen", "40"}, 4},
-        Golden{"sharpen_1x", {"--sharpen", "40"}, 4},
-        Golden{"blend_1x", {"--temporal", "3", "--method", "blend"}, 5},
-        Golden{"4nb_1x", {"--temporal", "3", "--method", "4nb"}, 5},
-        Golden{"8nb_1x", {"--temporal", "3", "--method", "8nb"}, 5},
-        Golden{"blend_2x", {"--temporal", "3", "--method", "blend", "--spatial", "2"}, 5},
-        Golden{"4nb_2x", {"--temporal", "3", "--method", "4nb", "--spatial", "2"}, 5},
-        Golden{"8nb_2x", {"--temporal", "3", "--method", "8nb", "--spatial", "2"}, 5},
-        Golden{"blend_3x", {"--temporal", "3", "--method", "blend", "--spatial", "3"}, 5},
-        Golden{"4nb_3x", {"--temporal", "3", "--method", "4nb", "--spatial", "3"}, 5},
-        Golden{"8nb_3x", {"--temporal", "3", "--method", "8nb", "--spatial", "3"}, 5},
-        Golden{"blend_4x", {"--temporal", "3", "--method", "blend", "--spatial", "4"}, 5},
-        Golden{"4nb_4x", {"--temporal", "3", "--method", "4nb", "--spatial", "4"}, 5},
-        Golden{"8nb_4x", {"--temporal", "3", "--method", "8nb", "--spatial", "4"}, 5},
-        Golden{"denoise_blend_1x", {"--denoise", "10", "--temporal", "3", "--method", "blend"}, 5},
-        Golden{"denoise_4nb_1x", {"--denoise", "10", "--temporal", "3", "--method", "4nb"}, 5},
-        Golden{"denoise_8nb_1x", {"--denoise", "10", "--temporal", "3", "--method", "8nb"}, 5},
-        Golden{"denoise_blend_2x",
-               {"--denoise", "10", "--temporal", "3", "--method", "blend", "--spatial", "2"},
-               5},
-        Golden{"denoise_4nb_2x",
-               {"--denoise", "10", "--temporal", "3", "--method", "4nb", "--spatial", "2"},
-               5},
-        Golden{"denoise_8nb_2x",
-               {"--denoise", "10", "--temporal", "3", "--method", "8nb", "--spatial", "2"},
-               5},
-        Golden{"denoise_blend_3x",
-               {"--denoise", "10", "--temporal", "3", "--method", "blend", "--spatial", "3"},
-               5},
-        Golden{"denoise_4nb_3x",
-               {"--denoise", "10", "--temporal", "3", "--method", "4nb", "--spatial", "3"},
-               5},
-        Golden{"denoise_8nb_3x",
-               {"--denoise", "10", "--temporal", "3", "--method", "8nb", "--spatial", "3"},
-               5},
-        Golden{"denoise_blend_4x",
-               {"--denoise", "10", "--temporal", "3", "--method", "blend", "--spatial", "4"},
-               5},
-        Golden{"denoise_4nb_4x",
-               {"--denoise", "10", "--temporal", "3", "--method", "4nb", "--spatial", "4"},
-               5},
-        Golden{"denoise_8nb_4x",
-               {"--denoise", "10", "--temporal", "3", "--method", "8nb", "--spatial", "4"},
-               5},
-        Golden{"demo_2x", {"--spatial", "2", "--sharpen", "40", "--demo"}, 4}),
-    [](const auto& golden) { return std::string(golden.param.name); });
+    ::testing::Values(Golden{"sr_2x", {"--spatial", "2"}, 4},
+                      Golden{"sr_3x", {"--spatial", "3"}, 4},
+                      Golden{"sr_4x", {"--spatial", "4"}, 4},
+                      Golden{"denoise_1x", {"--denoise", "8"}, 4},
+                      Golden{"denoise_2x", {"--denoise", "8", "--spatial", "2"}, 4},
+                      Golden{"denoise_3x", {"--denoise", "12", "--spatial", "3"}, 4},
+                      Golden{"denoise_4x", {"--denoise", "12", "--spatial", "4"}, 4},
+                      Golden{"denoise_sharpen_1x", {"--denoise", "8", "--sharpen", "40"}, 4},
+                      Golden{"sharpen_1x", {"--sharpen", "40"}, 4},
+                      Golden{"demo_2x", {"--spatial", "2", "--sharpen", "40", "--demo"}, 4}),
+    name_of);
 
 }  // namespace
