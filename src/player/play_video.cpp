@@ -5,10 +5,13 @@
 #include "gpu/gl_context.h"
 #include "gpu/gl_texture.h"
 #include "gpu/video_display.h"
+#include "gui/forms.h"
 #include "gui/screen.h"
+#include "media/thumbnail_database.h"
 #include "platform/display_loss.h"
 #include "platform/threads.h"
 #include "platform/window.h"
+#include "player/engine_control.h"
 #include "player/event_loop.h"
 #include "player/infolabel.h"
 #include "player/refresh_timer.h"
@@ -68,10 +71,38 @@ void place_window(PlayVideoArgs* args) {
     }
 }
 
+// The forms that show themselves; the window's size places the menu.
+void make_first_forms() {
+    if (defaultStyle.IsNull()) defaultStyle = new WidgetStyle;
+    connect_forms();
+    formTransportBar = new FormTransportBar;
+    formMenu = new FormMenu;
+}
+
+void make_other_forms(const PlayVideoArgs& args) {
+    formVideoSettings = new FormVideoSettings;
+    formAudioSettings = new FormAudioSettings;
+    formVideoAdvancedSettings = new FormVideoAdvancedSettings;
+    formMediaBrowser = new FormMediaBrowser;
+    for (FormWidget* form : {static_cast<FormWidget*>(formVideoSettings),
+                             static_cast<FormWidget*>(formAudioSettings),
+                             static_cast<FormWidget*>(formVideoAdvancedSettings)}) {
+        form->visible = false;
+        gui.add(form);
+    }
+    gui.add(formTransportBar);
+    gui.add(formMenu);
+    formMediaBrowser->visible = false;
+    gui.add(formMediaBrowser);
+    if (args.filename[0] != '\0') formMediaBrowser->select(args.filename);
+    reshape(screen->w, screen->h);  // some are as wide as the window
+}
+
 bool open_window(PlayVideoArgs* args) {
     place_window(args);
     SDL_WM_SetCaption(args->title, "");
     load_icon();
+    make_first_forms();
     if (!set_video_mode(args->width, args->height)) {
         std::fputs("SDL: could not set video mode - exiting\n", stderr);
         return false;
@@ -160,6 +191,24 @@ bool open_first_file(const PlayVideoArgs& args) {
     return true;
 }
 
+// Forms follow the window.
+void place_forms() {
+    constexpr float margin = 10.0F;
+    if (!formMenu.IsNull()) {
+        formMenu->bounds.x = screenRectangle.x + margin;
+        formMenu->bounds.y = screenRectangle.y + margin;
+    }
+    for (const object_ref<WidgetBase>& child : gui.children) {
+        if (!child->hastype(WidgetTypes::form)) continue;
+        auto& form = static_cast<FormWidget&>(*child);
+        form.invalidate();
+        if (!form.full_width) continue;
+        form.bounds.x = screenRectangle.x;
+        form.bounds.w = screenRectangle.w;
+        form.on_size_changed();
+    }
+}
+
 }  // namespace
 
 void init() {
@@ -173,7 +222,11 @@ void reshape(int width, int height) {
     const auto w = static_cast<float>(width);
     const auto h = static_cast<float>(height);
     const float scale = std::min(h / 600.0F, w / 800.0F);
+    gui.bounds = {-w / 2, -h / 2, w, h};
+    gui.scale = {scale, scale};
+    gui.offset = {w * 0.5F * scale, h * 0.5F * scale};
     screenRectangle = {-w / 2 / scale, -h / 2 / scale, w / scale, h / scale};
+    place_forms();
     display_refresh_rate = get_display_refresh_rate();
 }
 
@@ -207,6 +260,9 @@ int play_video(PlayVideoArgs* args) {
         set_infolabel(banner);
     }
     apply_start_values(*args);
+    ThumbnailDatabase::Start();
+    make_other_forms(*args);
+    if (FormWidget::auto_hide_cursor && get_fullscreen()) SDL_ShowCursor(SDL_DISABLE);
     SDL_EventState(SDL_MOUSEMOTION, SDL_ENABLE);
     return run_event_loop();
 }
@@ -214,6 +270,7 @@ int play_video(PlayVideoArgs* args) {
 void do_exit() {
     close_all_streams();
     if (get_fullscreen()) set_fullscreen(0);
+    ThumbnailDatabase::Abort();
     hold_refreshes(true);
     SDL_Quit();
     hold_refreshes(false);

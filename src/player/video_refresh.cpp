@@ -2,6 +2,9 @@
 #include "player/video_refresh.h"
 
 #include "core/settings.h"
+#include "gpu/video_display.h"
+#include "gui/forms.h"
+#include "platform/window.h"
 #include "player/clocks.h"
 #include "player/display.h"
 #include "player/refresh_plan.h"
@@ -35,11 +38,22 @@ void keep_shown_picture(VideoState* is) {
     is->shown_picture = released;
 }
 
-void show(VideoState* is) {
+// Draws with `display`, unless the interface hides everything.
+void show(VideoState* is, void (*display)(VideoState*) = video_display) {
     if (video_suppressed()) {
+        clear_window(screen->w, screen->h);
         gui_display();
     } else {
-        video_display(is);
+        display(is);
+    }
+}
+
+// A form that is open moves as fast as it can be drawn.
+void refresh_again(VideoState* is, int ms) {
+    if (gui.anyVisible()) {
+        schedule_refresh(is, ms);
+    } else {
+        schedule_refresh_later(is, ms);
     }
 }
 
@@ -50,7 +64,7 @@ VideoPicture& head(VideoState* is) {
 // The newest picture of a live source, as soon as possible.
 void refresh_camera(VideoState* is, int queued) {
     if (queued > 1) release_picture(is);
-    schedule_refresh_later(is, camera_ms);
+    refresh_again(is, camera_ms);
     // The picture itself, not one between it and the one before.
     is->clocks.subframe_counter = master_settings.temporal_upscaling_factor.toInt() + 1;
     is->clocks.interpolation_phase = 0.0F;
@@ -63,7 +77,7 @@ RefreshInput refresh_input(VideoState* is, const VideoPicture& pic) {
     in.now = static_cast<double>(wall_clock()) / 1000000.0;
     in.speed = playback_speeds[static_cast<std::size_t>(is->playback_speed_index)];
     in.n = master_settings.temporal_upscaling_factor.toInt() + 1;
-    in.free_running = maximize_fps(is);
+    in.free_running = maximize_fps(is) || gui.anyVisible();
     in.follows = (is->sync_source == sync_audio && is->audio_stream_index >= 0) ||
                  is->sync_source == sync_external;
     in.difference = in.follows ? pic.pts - get_master_clock(is) : 0.0;
@@ -102,7 +116,7 @@ bool refresh_picture(VideoState* is, int queued) {
 void refresh_video(VideoState* is) {
     const bool scanning = is->rewind || is->fast_forward;
     if (is->paused && !scanning) {
-        schedule_refresh_later(is, idle_ms);
+        refresh_again(is, idle_ms);
         show(is);
         return;
     }
@@ -111,7 +125,7 @@ void refresh_video(VideoState* is) {
         if (queued == 0) {
             is->starved = true;
             show(is);
-            schedule_refresh_later(is, idle_ms);
+            refresh_again(is, idle_ms);
             return;
         }
         if (!scanning && head(is).seeks != is->seeks_done) {
@@ -146,7 +160,8 @@ double video_estimate_fps() {
 }
 
 bool video_suppressed() {
-    return false;
+    return !formMediaBrowser.IsNull() && formMediaBrowser->visible &&
+           !formMediaBrowser->is_animating();
 }
 
 void release_picture(VideoState* is) {
@@ -159,8 +174,9 @@ void release_picture(VideoState* is) {
 }
 
 void video_refresh_timer(VideoState* is) {
+    gui.tick(-1.0);
     if (!is) {
-        video_nosignal_display();
+        show(nullptr, [](VideoState*) { video_nosignal_display(); });
         schedule_refresh(nullptr, idle_ms);
         return;
     }
@@ -170,7 +186,7 @@ void video_refresh_timer(VideoState* is) {
     }
     if (is->audio_stream_index >= 0) {
         schedule_refresh(is, audio_only_ms);
-        audio_display(is);
+        show(is, audio_display);
         return;
     }
     schedule_refresh(is, idle_ms);
