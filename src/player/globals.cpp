@@ -6,7 +6,14 @@
 #include "audio/vol_pan_control.h"
 #include "core/settings.h"
 #include "gui/screen.h"
+#include "gui/widget_container.h"
+#include "gui/widget_style.h"
 #include "player/infolabel.h"
+
+// Before the first widget, which takes it up.
+object_ref<WidgetStyle> defaultStyle;
+
+WidgetContainer gui;
 
 Settings& master_settings = *new Settings;
 
