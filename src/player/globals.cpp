@@ -5,6 +5,7 @@
 #include "audio/noise_reduction.h"
 #include "audio/vol_pan_control.h"
 #include "core/settings.h"
+#include "gui/forms.h"
 #include "gui/gl_font.h"
 #include "gui/screen.h"
 #include "gui/widget_container.h"
@@ -13,6 +14,12 @@
 
 // Before the first widget, which takes it up.
 object_ref<WidgetStyle> defaultStyle;
+
+object_ref<FormVideoSettings> formVideoSettings;
+object_ref<FormVideoAdvancedSettings> formVideoAdvancedSettings;
+object_ref<FormAudioSettings> formAudioSettings;
+object_ref<FormTransportBar> formTransportBar;
+object_ref<FormMenu> formMenu;
 
 glfont::GLFont default_font;
 
