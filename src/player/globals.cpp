@@ -5,8 +5,25 @@
 #include "audio/noise_reduction.h"
 #include "audio/vol_pan_control.h"
 #include "core/settings.h"
+#include "gui/forms.h"
+#include "gui/gl_font.h"
 #include "gui/screen.h"
+#include "gui/widget_container.h"
+#include "gui/widget_style.h"
 #include "player/infolabel.h"
+
+// Before the first widget, which takes it up.
+object_ref<WidgetStyle> defaultStyle;
+
+object_ref<FormVideoSettings> formVideoSettings;
+object_ref<FormVideoAdvancedSettings> formVideoAdvancedSettings;
+object_ref<FormAudioSettings> formAudioSettings;
+object_ref<FormTransportBar> formTransportBar;
+object_ref<FormMenu> formMenu;
+
+glfont::GLFont default_font;
+
+WidgetContainer gui;
 
 Settings& master_settings = *new Settings;
 

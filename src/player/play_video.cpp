@@ -6,6 +6,7 @@
 #include "gpu/gl_texture.h"
 #include "gpu/video_display.h"
 #include "gui/forms.h"
+#include "gui/gl_font.h"
 #include "gui/screen.h"
 #include "media/thumbnail_database.h"
 #include "platform/display_loss.h"
@@ -213,6 +214,7 @@ void place_forms() {
 
 void init() {
     init_gl_state();
+    create_default_font();
     set_vsync(1);
 }
 
