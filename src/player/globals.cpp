@@ -6,6 +6,7 @@
 #include "audio/vol_pan_control.h"
 #include "core/settings.h"
 #include "gui/screen.h"
+#include "media/subtitles.h"
 #include "player/infolabel.h"
 
 Settings& master_settings = *new Settings;
@@ -13,6 +14,8 @@ Settings& master_settings = *new Settings;
 VolPanControl vol_pan_control;
 Eq3Band eq3band[2];
 NoiseReduction audio_noisereduction;
+
+Subtitles subtitles;
 
 std::string infolabel_text;
 
