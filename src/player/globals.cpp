@@ -5,9 +5,12 @@
 #include "audio/noise_reduction.h"
 #include "audio/vol_pan_control.h"
 #include "core/settings.h"
+#include "gui/gl_font.h"
 #include "gui/screen.h"
 #include "media/subtitles.h"
 #include "player/infolabel.h"
+
+glfont::GLFont default_font;
 
 Settings& master_settings = *new Settings;
 
