@@ -174,7 +174,7 @@ void reshape(int width, int height) {
     reshape_gl(width, height);
     const auto w = static_cast<float>(width);
     const auto h = static_cast<float>(height);
-    const float scale = std::min(h / 600.0F, w / 800.0F);
+    const float scale = gui_scale(w, h);
     screenRectangle = {-w / 2 / scale, -h / 2 / scale, w / scale, h / scale};
     display_refresh_rate = get_display_refresh_rate();
 }
@@ -196,7 +196,8 @@ int play_video(PlayVideoArgs* args) {
     set_thread_role(ThreadRole::main);
     av_log_set_level(AV_LOG_ERROR);
     if (!init_sdl()) return 1;
-    // What comes in before the event loop runs must not fill the queue: the wish to quit has to fit.
+    // What comes in before the event loop runs must not fill the queue: the wish to quit has to
+    // fit.
     SDL_EventState(SDL_MOUSEMOTION, SDL_IGNORE);
     if (!open_window(args) || !open_gl() || !open_first_file(*args)) {
         SDL_Quit();  // gives the screen its own mode back

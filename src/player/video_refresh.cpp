@@ -38,8 +38,12 @@ void keep_shown_picture(VideoState* is) {
 void show(VideoState* is) {
     if (video_suppressed()) {
         gui_display();
-    } else {
+    } else if (!is) {
+        video_nosignal_display();
+    } else if (is->video_stream_index >= 0) {
         video_display(is);
+    } else {
+        audio_display(is);
     }
 }
 
@@ -160,7 +164,7 @@ void release_picture(VideoState* is) {
 
 void video_refresh_timer(VideoState* is) {
     if (!is) {
-        video_nosignal_display();
+        show(nullptr);
         schedule_refresh(nullptr, idle_ms);
         return;
     }
@@ -170,7 +174,7 @@ void video_refresh_timer(VideoState* is) {
     }
     if (is->audio_stream_index >= 0) {
         schedule_refresh(is, audio_only_ms);
-        audio_display(is);
+        show(is);
         return;
     }
     schedule_refresh(is, idle_ms);
