@@ -10,6 +10,7 @@
 #include "gui/screen.h"
 #include "gui/widget_container.h"
 #include "gui/widget_style.h"
+#include "media/subtitles.h"
 #include "player/infolabel.h"
 
 // Before the first widget, which takes it up.
@@ -30,6 +31,8 @@ Settings& master_settings = *new Settings;
 VolPanControl vol_pan_control;
 Eq3Band eq3band[2];
 NoiseReduction audio_noisereduction;
+
+Subtitles subtitles;
 
 std::string infolabel_text;
 

@@ -223,7 +223,7 @@ void reshape(int width, int height) {
     reshape_gl(width, height);
     const auto w = static_cast<float>(width);
     const auto h = static_cast<float>(height);
-    const float scale = std::min(h / 600.0F, w / 800.0F);
+    const float scale = gui_scale(w, h);
     gui.bounds = {-w / 2, -h / 2, w, h};
     gui.scale = {scale, scale};
     gui.offset = {w * 0.5F * scale, h * 0.5F * scale};
@@ -249,7 +249,8 @@ int play_video(PlayVideoArgs* args) {
     set_thread_role(ThreadRole::main);
     av_log_set_level(AV_LOG_ERROR);
     if (!init_sdl()) return 1;
-    // What comes in before the event loop runs must not fill the queue: the wish to quit has to fit.
+    // What comes in before the event loop runs must not fill the queue: the wish to quit has to
+    // fit.
     SDL_EventState(SDL_MOUSEMOTION, SDL_IGNORE);
     if (!open_window(args) || !open_gl() || !open_first_file(*args)) {
         SDL_Quit();  // gives the screen its own mode back

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "player/seeking.h"
 
+#include "media/subtitles.h"
 #include "player/clocks.h"
 #include "player/demux.h"
 
@@ -77,6 +78,9 @@ bool carry_out_seek(VideoState* is) {
     }
     target = within_file(is->format_context.get(), target);
 
+    is->seeking = true;
+    // Those of another film are none of this one's business.
+    if (is == global_video_state) subtitles.seek(static_cast<unsigned long>(target));
     const bool found = seek_file(is, target, flags, !forward);
     if (found) {
         restart_queues(is, target);
@@ -90,5 +94,6 @@ bool carry_out_seek(VideoState* is) {
         is->last_seek_failed = true;
     }
     is->seek_request = false;
+    is->seeking = false;
     return found;
 }

@@ -38,13 +38,16 @@ void keep_shown_picture(VideoState* is) {
     is->shown_picture = released;
 }
 
-// Draws with `display`, unless the interface hides everything.
-void show(VideoState* is, void (*display)(VideoState*) = video_display) {
+void show(VideoState* is) {
     if (video_suppressed()) {
         clear_window(screen->w, screen->h);
         gui_display();
+    } else if (!is) {
+        video_nosignal_display();
+    } else if (is->video_stream_index >= 0) {
+        video_display(is);
     } else {
-        display(is);
+        audio_display(is);
     }
 }
 
@@ -176,7 +179,7 @@ void release_picture(VideoState* is) {
 void video_refresh_timer(VideoState* is) {
     gui.tick(-1.0);
     if (!is) {
-        show(nullptr, [](VideoState*) { video_nosignal_display(); });
+        show(nullptr);
         schedule_refresh(nullptr, idle_ms);
         return;
     }
@@ -186,7 +189,7 @@ void video_refresh_timer(VideoState* is) {
     }
     if (is->audio_stream_index >= 0) {
         schedule_refresh(is, audio_only_ms);
-        show(is, audio_display);
+        show(is);
         return;
     }
     schedule_refresh(is, idle_ms);
