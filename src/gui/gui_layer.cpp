@@ -2,6 +2,7 @@
 #include "gui/gui_layer.h"
 
 #include "gui/graphics.h"
+#include "gui/widget_container.h"
 
 #include <GL/glew.h>
 
@@ -14,6 +15,7 @@ constexpr float pixel_centre = 0.5F;
 void draw_gui() {
     glEnable(GL_LINE_SMOOTH);
     translate_transform(pixel_centre, pixel_centre);
+    gui.draw();
     translate_transform(-pixel_centre, -pixel_centre);
     glDisable(GL_BLEND);
     glDisable(GL_LINE_SMOOTH);
