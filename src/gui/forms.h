@@ -2,6 +2,7 @@
 #pragma once
 
 #include "gui/form_audio_settings.h"
+#include "gui/form_media_browser.h"
 #include "gui/form_menu.h"
 #include "gui/form_transport_bar.h"
 #include "gui/form_video_advanced_settings.h"

@@ -9,8 +9,6 @@
 #include "player/stream.h"
 #include "player/video_refresh.h"
 
-PlayerControl* player_control = nullptr;
-
 namespace {
 
 constexpr char window_title[] = "VYX Video Player";

@@ -20,6 +20,7 @@ object_ref<FormVideoSettings> formVideoSettings;
 object_ref<FormVideoAdvancedSettings> formVideoAdvancedSettings;
 object_ref<FormAudioSettings> formAudioSettings;
 object_ref<FormTransportBar> formTransportBar;
+object_ref<FormMediaBrowser> formMediaBrowser;
 object_ref<FormMenu> formMenu;
 
 glfont::GLFont default_font;
