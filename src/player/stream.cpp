@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "player/stream.h"
 
+#include "core/split_path.h"
 #include "gpu/display_geometry.h"
 #include "gpu/gl_context.h"
 #include "gpu/picture_upload.h"
 #include "gpu/texture_cache.h"
 #include "player/clocks.h"
 #include "player/demux.h"
-#include "player/split_path.h"
 
 #include <algorithm>
 #include <deque>
