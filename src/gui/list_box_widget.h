@@ -39,5 +39,7 @@ class ListBoxWidget : public ScrollableWidget {
   private:
     int count() const { return static_cast<int>(items.size()); }
     int item_at(pointf p) const;
+    int row_top(int index) const;
+    bool in_view(int index, const rectf& view) const;
     void draw_item(int index);
 };

@@ -35,6 +35,7 @@ class SliderWidget : public WidgetBase {
 
   private:
     float track_width() const { return bounds.w - get_valuelabelwidth(); }
+    float knob_width() const;
     bool snaps(float x) const;
     void store();
     void draw_knob();

@@ -5,8 +5,18 @@
 #include "audio/noise_reduction.h"
 #include "audio/vol_pan_control.h"
 #include "core/settings.h"
+#include "gui/gl_font.h"
 #include "gui/screen.h"
+#include "gui/widget_container.h"
+#include "gui/widget_style.h"
 #include "player/infolabel.h"
+
+// Before the first widget, which takes it up.
+object_ref<WidgetStyle> defaultStyle;
+
+glfont::GLFont default_font;
+
+WidgetContainer gui;
 
 Settings& master_settings = *new Settings;
 

@@ -5,6 +5,7 @@
 #include "gpu/gl_context.h"
 #include "gpu/gl_texture.h"
 #include "gpu/video_display.h"
+#include "gui/gl_font.h"
 #include "gui/screen.h"
 #include "platform/display_loss.h"
 #include "platform/threads.h"
@@ -164,6 +165,7 @@ bool open_first_file(const PlayVideoArgs& args) {
 
 void init() {
     init_gl_state();
+    create_default_font();
     set_vsync(1);
 }
 
