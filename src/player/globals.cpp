@@ -5,6 +5,7 @@
 #include "audio/noise_reduction.h"
 #include "audio/vol_pan_control.h"
 #include "core/settings.h"
+#include "gui/form_media_browser.h"
 #include "gui/gl_font.h"
 #include "gui/screen.h"
 #include "gui/widget_container.h"
@@ -13,6 +14,8 @@
 
 // Before the first widget, which takes it up.
 object_ref<WidgetStyle> defaultStyle;
+
+object_ref<FormMediaBrowser> formMediaBrowser;
 
 glfont::GLFont default_font;
 
