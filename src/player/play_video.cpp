@@ -84,16 +84,13 @@ void make_other_forms(const PlayVideoArgs& args) {
     formVideoSettings = new FormVideoSettings;
     formAudioSettings = new FormAudioSettings;
     formVideoAdvancedSettings = new FormVideoAdvancedSettings;
-    formMediaBrowser = new FormMediaBrowser;
-    for (FormWidget* form : {static_cast<FormWidget*>(formVideoSettings),
-                             static_cast<FormWidget*>(formAudioSettings),
-                             static_cast<FormWidget*>(formVideoAdvancedSettings)}) {
-        form->visible = false;
-        gui.add(form);
-    }
+    formMediaBrowser = new FormMediaBrowser(args.filename);
+    file_chooser = formMediaBrowser;
+    gui.add(formVideoSettings);
+    gui.add(formAudioSettings);
+    gui.add(formVideoAdvancedSettings);
     gui.add(formTransportBar);
     gui.add(formMenu);
-    formMediaBrowser->visible = false;
     gui.add(formMediaBrowser);
     if (args.filename[0] != '\0') formMediaBrowser->select(args.filename);
     reshape(screen->w, screen->h);  // some are as wide as the window

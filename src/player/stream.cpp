@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "player/stream.h"
 
+#include "core/split_path.h"
 #include "gpu/display_geometry.h"
 #include "gpu/gl_context.h"
 #include "gpu/picture_upload.h"
@@ -8,7 +9,6 @@
 #include "media/subtitles.h"
 #include "player/clocks.h"
 #include "player/demux.h"
-#include "player/split_path.h"
 
 #include <algorithm>
 #include <deque>
