@@ -6,6 +6,7 @@
 #include "gpu/gl_texture.h"
 #include "gpu/video_display.h"
 #include "gui/screen.h"
+#include "media/thumbnail_database.h"
 #include "platform/display_loss.h"
 #include "platform/threads.h"
 #include "platform/window.h"
@@ -207,6 +208,7 @@ int play_video(PlayVideoArgs* args) {
         set_infolabel(banner);
     }
     apply_start_values(*args);
+    ThumbnailDatabase::Start();
     SDL_EventState(SDL_MOUSEMOTION, SDL_ENABLE);
     return run_event_loop();
 }
@@ -214,6 +216,7 @@ int play_video(PlayVideoArgs* args) {
 void do_exit() {
     close_all_streams();
     if (get_fullscreen()) set_fullscreen(0);
+    ThumbnailDatabase::Abort();
     hold_refreshes(true);
     SDL_Quit();
     hold_refreshes(false);
