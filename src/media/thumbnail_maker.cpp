@@ -59,8 +59,13 @@ bool is_key(const AVFrame* frame) {
 // What read_and_decode is doing with one stream.
 class FrameReader {
   public:
-    FrameReader(AVFormatContext* format, int stream, AVCodecContext* codec)
-        : format_(format), stream_(stream), codec_(codec), packet_(av_packet_alloc()) {}
+    FrameReader(AVFormatContext* format, int stream, AVCodecContext* codec,
+                const Patience& patience)
+        : format_(format),
+          stream_(stream),
+          codec_(codec),
+          patience_(patience),
+          packet_(av_packet_alloc()) {}
 
     /// The next frame, whatever it is: 1, 0 at the end, -1 after too many packets without one.
     int next(AVFrame* frame) {
@@ -76,7 +81,8 @@ class FrameReader {
                 if (ended_) return 0;
             }
             if (without_frame_ == hopeless_packets) return -1;
-            if (!feed()) return 0;
+            // What the demuxer holds already comes without reading.
+            if (patience_.over() || !feed()) return 0;
         }
     }
 
@@ -108,6 +114,7 @@ class FrameReader {
     AVFormatContext* format_;
     int stream_;
     AVCodecContext* codec_;
+    const Patience& patience_;
     PacketPtr packet_;
     int without_frame_ = 0;
     bool ended_ = false;
@@ -117,7 +124,7 @@ class FrameReader {
 // packet's time stamp; 0: the input ended or failed; -1: too many packets without a frame.
 int read_and_decode(AVFormatContext* format, int stream, AVCodecContext* codec, AVFrame* frame,
                     long* pts, int mode, const Patience& patience) {
-    FrameReader reader(format, stream, codec);
+    FrameReader reader(format, stream, codec, patience);
     for (int frames = 1;; ++frames) {
         const int result = reader.next(frame);
         if (result <= 0) return result;
@@ -222,6 +229,7 @@ class ThumbnailMaking {
         codec_->pkt_timebase = stream_->time_base;
         codec_->get_buffer2 = our_get_buffer;
         codec_->thread_count = 1;
+        codec_->thread_type = FF_THREAD_SLICE;  // else the library complains of the callback
         codec_->max_pixels = most_pixels;
         if (decoding_ == Decoding::key_pictures) codec_->skip_frame = AVDISCARD_NONKEY;
     }
