@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "core/settings.h"
+#include "core/split_path.h"
 #include "gpu/display_geometry.h"
 #include "gpu/video_display.h"
 #include "gpu/waveform_display.h"
@@ -7,7 +8,6 @@
 #include "gui/overlay_text.h"
 #include "platform/window.h"
 #include "player/display.h"
-#include "player/split_path.h"
 
 #include <algorithm>
 
