@@ -8,10 +8,9 @@
 
 namespace {
 
-// Two pictures of ffmpeg's `testsrc` at the size of a thumbnail, of different colours, differ by 60
-// and more on average.
-constexpr double same_mean = 1.0;  // measured: 0 to 0.26
-constexpr int same_largest = 12;   // measured: 0 to 5
+// Measured: no difference at all. Versions of the library may round differently.
+constexpr double same_mean = 0.5;
+constexpr int same_largest = 2;
 
 void expect_same(const RgbPicture& a, const RgbPicture& b) {
     const Difference found = difference(a, b);
@@ -74,7 +73,7 @@ TEST(CreateThumbnail, OtherPicturesOfTheFilmWouldNotPass) {
     const MadeThumbnail made(clip("h264.mp4"));
     const Difference later =
         difference(pixels(*made), ffmpeg_picture(clip("h264.mp4"), 1.0, 192, 108));
-    EXPECT_GT(later.mean, 4 * same_mean);  // measured: 7.1
+    EXPECT_GT(later.mean, 10.0);  // measured: 27.1
 }
 
 void expect_size(const std::string& path, int width, int height) {
@@ -139,8 +138,8 @@ TEST(CreateThumbnail, FlatFilmGivesItsFourthPictureLookedAt) {
     EXPECT_EQ(scalers_made - before, 4);
     EXPECT_EQ(made->flat, 1);
     expect_same(pixels(*made), ffmpeg_picture(path, 12.0, 192, 108));
-    const Difference first = difference(pixels(*made), ffmpeg_picture(path, 8.0, 192, 108));
-    EXPECT_GT(first.mean, 20.0) << "8 s would have passed, too";
+    const Difference third = difference(pixels(*made), ffmpeg_picture(path, 8.0, 192, 108));
+    EXPECT_GT(third.mean, 20.0) << "8 s would have passed, too";  // measured: 46
 }
 
 TEST(CreateThumbnail, ShortFlatFilmGivesTheLastPictureThereWas) {

@@ -133,9 +133,14 @@ TEST_F(ThumbnailWorker, LookUpWaitsForOneThumbnailAtMost) {
     ThumbnailDatabase::Start();
     const auto start = Clock::now();
     while (scalers_made == before && Clock::now() - start < deadline)
-        ThumbnailDatabase::Lookup(films[0], true);
+        ThumbnailDatabase::Lookup(films[5], true);
     scalers_wait = false;
     EXPECT_EQ(scalers_made - before, 1);
+    stop();
+    for (const std::string& film : films) {
+        const bool made = !ThumbnailDatabase::Lookup(film, false).name.empty();
+        EXPECT_EQ(made, film == films[0]) << film << "; the first by name comes first";
+    }
 }
 
 TEST_F(ThumbnailWorker, MakesAllThatWaitInOneGo) {
