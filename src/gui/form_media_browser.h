@@ -3,6 +3,7 @@
 
 #include "gui/button_widget.h"
 #include "gui/directory_listing.h"
+#include "gui/file_chooser.h"
 #include "gui/form_widget.h"
 #include "gui/list_box_widget.h"
 #include "gui/text_label_widget.h"
@@ -12,7 +13,7 @@
 
 /// A form as wide as the window to choose the file to play: one folder at a time, small pictures
 /// before the names. Made hidden. [main]
-class FormMediaBrowser : public FormWidget {
+class FormMediaBrowser : public FormWidget, public FileChooser {
   public:
     /// Starts in the folder of `file`; null or empty: in the working folder.
     explicit FormMediaBrowser(const char* file = nullptr);
@@ -23,8 +24,9 @@ class FormMediaBrowser : public FormWidget {
     void go_back();
     /// Plays the file after or before the selected one; folders are passed over. After the last
     /// item comes the one whose index is the number of directories, before the first file the last.
-    void play_next();
-    void play_previous();
+    void play_next() override;
+    void play_previous() override;
+    FormWidget& form() override { return *this; }
     /// Selects the file of this path's name, if the list has it; the path's folder does not count.
     void select(const char* path);
 
@@ -40,6 +42,8 @@ class FormMediaBrowser : public FormWidget {
     std::vector<std::string> history;  ///< directories to return to
     std::string current_directory;     ///< its real path
     int directory_count = 0;           ///< of the last listing, "." and ".." included
+    /// How folders are listed.
+    DirectoryListing (*lister)(const std::string& path) = list_directory;
 
   private:
     void add_label(object_ref<TextLabelWidget>& label, const rectf& place,

@@ -5,7 +5,7 @@
 #include "audio/noise_reduction.h"
 #include "audio/vol_pan_control.h"
 #include "core/settings.h"
-#include "gui/form_media_browser.h"
+#include "gui/forms.h"
 #include "gui/gl_font.h"
 #include "gui/screen.h"
 #include "gui/widget_container.h"
@@ -15,7 +15,12 @@
 // Before the first widget, which takes it up.
 object_ref<WidgetStyle> defaultStyle;
 
+object_ref<FormVideoSettings> formVideoSettings;
+object_ref<FormVideoAdvancedSettings> formVideoAdvancedSettings;
+object_ref<FormAudioSettings> formAudioSettings;
+object_ref<FormTransportBar> formTransportBar;
 object_ref<FormMediaBrowser> formMediaBrowser;
+object_ref<FormMenu> formMenu;
 
 glfont::GLFont default_font;
 
