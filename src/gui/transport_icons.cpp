@@ -53,10 +53,10 @@ void draw_next_icon() {
 void draw_volume_wedge(float width, float height, float share, unsigned rest) {
     constexpr float margin = 2.0F;
     const float spacing = (width - 2.0F * margin) / wedge_lines;
-    const float bottom = height - margin;
+    // Lines go through the middle of pixels and start there, so that each lights whole ones.
+    const float bottom = height - margin - 0.5F;
     const float tallest = height - 2.0F * margin;
     for (int i = 0; i < wedge_lines; ++i) {
-        // Lines go through the middle of their column, so that each lights whole pixels.
         const float column = static_cast<float>(i) + 0.5F;
         const float x = margin + column * spacing;
         setpencolor(x <= share * width ? white : rest);
