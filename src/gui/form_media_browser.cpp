@@ -90,7 +90,7 @@ void FormMediaBrowser::add_button(object_ref<ButtonWidget>& button, float x, con
 }
 
 void FormMediaBrowser::update() {
-    DirectoryListing listing = list_directory(current_directory);
+    DirectoryListing listing = lister(current_directory);
     entries_ = std::move(listing.entries);
     directory_count = listing.directories;
     list->items.clear();

@@ -42,6 +42,8 @@ class FormMediaBrowser : public FormWidget, public FileChooser {
     std::vector<std::string> history;  ///< directories to return to
     std::string current_directory;     ///< its real path
     int directory_count = 0;           ///< of the last listing, "." and ".." included
+    /// How folders are listed.
+    DirectoryListing (*lister)(const std::string& path) = list_directory;
 
   private:
     void add_label(object_ref<TextLabelWidget>& label, const rectf& place,
