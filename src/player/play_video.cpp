@@ -12,11 +12,13 @@
 #include "platform/display_loss.h"
 #include "platform/threads.h"
 #include "platform/window.h"
+#include "player/clocks.h"
 #include "player/engine_control.h"
 #include "player/event_loop.h"
 #include "player/infolabel.h"
 #include "player/refresh_timer.h"
 #include "player/stream.h"
+#include "player/video_refresh.h"
 
 extern "C" {
 #include <libavdevice/version_major.h>
@@ -253,6 +255,7 @@ int play_video(PlayVideoArgs* args) {
         SDL_Quit();  // gives the screen its own mode back
         return 1;
     }
+    start_frame_times(wall_clock());
     schedule_refresh(global_video_state, first_refresh_ms);
     if (args->show_banner) {
         std::puts(banner);

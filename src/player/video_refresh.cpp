@@ -145,6 +145,14 @@ void refresh_video(VideoState* is) {
 
 }  // namespace
 
+void start_frame_times(std::int64_t now) {
+    constexpr std::int64_t interval = 40000;
+    constexpr double intervals_per_second = 25.0;
+    for (std::int64_t age = timestamp_ring_size - 1; age >= 0; --age)
+        note_frame_shown(now - age * interval);
+    video_fps = intervals_per_second;
+}
+
 void note_frame_shown(std::int64_t now) {
     lastframe_timestamp[lastframe_timestamp_qi] = now;
     lastframe_timestamp_qi = (lastframe_timestamp_qi + 1) % timestamp_ring_size;
