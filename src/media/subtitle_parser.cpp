@@ -120,6 +120,7 @@ std::string parse_text(Lines& lines) {
         text += line;
         if (line.empty()) break;
     }
+    if (text.find('<') == std::string::npos) return text;
     return without("</i>", without("<i>", text));
 }
 
