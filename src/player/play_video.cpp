@@ -6,6 +6,7 @@
 #include "gpu/gl_texture.h"
 #include "gpu/video_display.h"
 #include "gui/screen.h"
+#include "media/capture_formats.h"
 #include "platform/display_loss.h"
 #include "platform/threads.h"
 #include "platform/window.h"
@@ -15,11 +16,10 @@
 #include "player/stream.h"
 
 extern "C" {
-#include <libavdevice/version_major.h>
+#include <libavformat/avformat.h>
 #include <libavutil/log.h>
 }
 
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -93,23 +93,6 @@ bool open_gl() {
     check_glerror("OpenGL_init");
     present_window();
     return true;
-}
-
-// The library of capture devices brings dozens of others along, which films do without: 10 MB of
-// memory and a part of the start.
-void register_capture_formats() {
-    constexpr char library[] = "libavdevice.so." AV_STRINGIFY(LIBAVDEVICE_VERSION_MAJOR);
-    void* handle = dlopen(library, RTLD_NOW);
-    if (!handle) return;
-    using Register = void (*)();
-    if (const auto all = reinterpret_cast<Register>(dlsym(handle, "avdevice_register_all"))) all();
-}
-
-const AVInputFormat* camera_format(const char* name) {
-    register_capture_formats();
-    if (std::strstr(name, "1394")) return av_find_input_format("dv1394");
-    const AVInputFormat* format = av_find_input_format("video4linux");
-    return format ? format : av_find_input_format("video4linux2");
 }
 
 // The format to open `name` with; false, with a message, when it cannot be opened at all.
@@ -194,7 +177,8 @@ int play_video(PlayVideoArgs* args) {
     set_thread_role(ThreadRole::main);
     av_log_set_level(AV_LOG_ERROR);
     if (!init_sdl()) return 1;
-    // What comes in before the event loop runs must not fill the queue: the wish to quit has to fit.
+    // What comes in before the event loop runs must not fill the queue: the wish to quit has to
+    // fit.
     SDL_EventState(SDL_MOUSEMOTION, SDL_IGNORE);
     if (!open_window(args) || !open_gl() || !open_first_file(*args)) {
         SDL_Quit();  // gives the screen its own mode back
