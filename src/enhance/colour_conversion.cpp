@@ -2,6 +2,7 @@
 #include "enhance/colour_conversion.h"
 
 #include "enhance/enhance_error.h"
+#include "media/pixel_formats.h"
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -11,21 +12,6 @@ namespace {
 
 // Full precision: what is converted there and back stays what it was, within rounding.
 constexpr int flags = SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP;
-constexpr int neutral = 0;
-constexpr int unity = 1 << 16;
-
-bool full_range(const AVFrame& frame) {
-    switch (frame.format) {
-        case AV_PIX_FMT_YUVJ420P:
-        case AV_PIX_FMT_YUVJ422P:
-        case AV_PIX_FMT_YUVJ444P:
-        case AV_PIX_FMT_YUVJ440P:
-        case AV_PIX_FMT_YUVJ411P:
-            return true;
-        default:
-            return frame.color_range == AVCOL_RANGE_JPEG;
-    }
-}
 
 }  // namespace
 
@@ -44,12 +30,7 @@ void ColourConversion::prepare(int width, int height, int from, int to, const AV
         throw EnhanceError(std::string("pixels of the format ") + (name ? name : "unknown") +
                            " cannot be converted");
     }
-    const int* coefficients = sws_getCoefficients(
-        coded.colorspace == AVCOL_SPC_UNSPECIFIED ? SWS_CS_DEFAULT : coded.colorspace);
-    // Which of the two is YUV decides which range counts; RGB is always full.
-    const int range = full_range(coded) ? 1 : 0;
-    sws_setColorspaceDetails(scaler_.get(), coefficients, range, coefficients, range, neutral,
-                             unity, unity);
+    follow_colours(scaler_.get(), coded);
 }
 
 void ColourConversion::to_rgb(const AVFrame& frame, std::uint8_t* destination, int row_bytes) {

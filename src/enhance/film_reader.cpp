@@ -2,13 +2,8 @@
 #include "enhance/film_reader.h"
 
 #include "enhance/enhance_error.h"
+#include "media/error_text.h"
 #include "player/side_data.h"
-
-std::string error_text(int code) {
-    char text[AV_ERROR_MAX_STRING_SIZE] = {};
-    av_strerror(code, text, sizeof text);
-    return text;
-}
 
 FilmReader::FilmReader(const std::string& path) : path_(path), packet_(av_packet_alloc()) {
     AVFormatContext* opened = nullptr;

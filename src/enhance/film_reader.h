@@ -48,6 +48,3 @@ class FilmReader {
     long damaged_ = 0;
     double next_time_ = 0.0;
 };
-
-/// The library's words for an error code.
-std::string error_text(int code);

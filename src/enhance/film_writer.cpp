@@ -3,6 +3,8 @@
 
 #include "enhance/enhance_error.h"
 #include "enhance/picture_series.h"
+#include "media/error_text.h"
+#include "media/pixel_formats.h"
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -90,7 +92,7 @@ void FilmWriter::open_encoder(int width, int height) {
     encoder_.reset(avcodec_alloc_context3(codec_));
     encoder_->width = width;
     encoder_->height = height;
-    encoder_->pix_fmt = film_pixel_format(codec_->pix_fmts, width, height);
+    encoder_->pix_fmt = film_pixel_format(encoder_pixel_formats(*codec_), width, height);
     encoder_->time_base = film_tick(format_.pictures_per_second);
     encoder_->framerate = av_inv_q(encoder_->time_base);
     encoder_->sample_aspect_ratio = format_.sample_aspect;

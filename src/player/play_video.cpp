@@ -8,6 +8,7 @@
 #include "gui/forms.h"
 #include "gui/gl_font.h"
 #include "gui/screen.h"
+#include "media/capture_formats.h"
 #include "media/thumbnail_database.h"
 #include "platform/display_loss.h"
 #include "platform/threads.h"
@@ -21,11 +22,10 @@
 #include "player/video_refresh.h"
 
 extern "C" {
-#include <libavdevice/version_major.h>
+#include <libavformat/avformat.h>
 #include <libavutil/log.h>
 }
 
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -124,23 +124,6 @@ bool open_gl() {
     check_glerror("OpenGL_init");
     present_window();
     return true;
-}
-
-// The library of capture devices brings dozens of others along, which films do without: 10 MB of
-// memory and a part of the start.
-void register_capture_formats() {
-    constexpr char library[] = "libavdevice.so." AV_STRINGIFY(LIBAVDEVICE_VERSION_MAJOR);
-    void* handle = dlopen(library, RTLD_NOW);
-    if (!handle) return;
-    using Register = void (*)();
-    if (const auto all = reinterpret_cast<Register>(dlsym(handle, "avdevice_register_all"))) all();
-}
-
-const AVInputFormat* camera_format(const char* name) {
-    register_capture_formats();
-    if (std::strstr(name, "1394")) return av_find_input_format("dv1394");
-    const AVInputFormat* format = av_find_input_format("video4linux");
-    return format ? format : av_find_input_format("video4linux2");
 }
 
 // The format to open `name` with; false, with a message, when it cannot be opened at all.

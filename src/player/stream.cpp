@@ -16,7 +16,6 @@
 #include <string_view>
 
 std::atomic<VideoState*> global_video_state{nullptr};
-std::atomic<std::int64_t> global_video_pkt_pts{AV_NOPTS_VALUE};
 
 namespace {
 

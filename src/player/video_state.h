@@ -6,6 +6,7 @@
 #include "gpu/direct_display.h"
 #include "gpu/postprocessing.h"
 #include "gpu/video_picture.h"
+#include "media/packet_time.h"
 #include "platform/sync.h"
 #include "platform/threads.h"
 #include "player/audio_state.h"
@@ -172,6 +173,3 @@ struct VideoState {
 
 /// The open file, null for none.
 extern std::atomic<VideoState*> global_video_state;
-
-/// Time stamp of the newest video packet (without video: audio packet) in its stream's time base.
-extern std::atomic<std::int64_t> global_video_pkt_pts;

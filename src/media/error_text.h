@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+/// FFmpeg's words for an error code.
+std::string error_text(int code);

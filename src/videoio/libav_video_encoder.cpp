@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include "videoio/libav_video_encoder.h"
+
+#include "media/error_text.h"
+#include "videoio/error_message.h"
+#include "videoio/output_container.h"
+#include "videoio/video_decoder.h"
+
+extern "C" {
+#include <libavutil/imgutils.h>
+}
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr char no_structures[] = "Could not initialize encoder structures. Possibly out-of-memory!";
+// Time stamps beyond this, in frames, are beyond any container.
+constexpr double latest_pts = 1099511627776.0;  // 2^40
+
+}  // namespace
+
+VYX_LibAVVideoEncoder::VYX_LibAVVideoEncoder(VYX_SaveVideoArgs* args) {
+    open(*args);
+}
+
+VYX_LibAVVideoEncoder::~VYX_LibAVVideoEncoder() {
+    if (header_written_) finish();
+}
+
+bool VYX_LibAVVideoEncoder::open(VYX_SaveVideoArgs& args) {
+    OutputChoice choice;
+    if (!choose_output(args, choice)) return false;
+    codec_ = choice.encoder;
+    // A wrong number of bits is told, and what follows is carried out all the same.
+    const bool bits_known = set_formats(args);
+    ErrorMessage later{};
+    auto& message = bits_known ? args.errorMsg : later;
+    if (!allocate(message, choice.container, args.videoFileName)) return false;
+    configure(args);
+    return open_codec(message) && open_file(message, args.videoFileName);
+}
+
+bool VYX_LibAVVideoEncoder::allocate(ErrorMessage& message, const AVOutputFormat* container,
+                                     const char* path) {
+    AVFormatContext* made = nullptr;
+    avformat_alloc_output_context2(&made, container, nullptr, path);
+    if (made) container_.reset(made);
+    source_.reset(av_frame_alloc());
+    destination_.reset(av_frame_alloc());
+    packet_.reset(av_packet_alloc());
+    encoder_.reset(avcodec_alloc_context3(codec_));
+    if (made) stream_ = avformat_new_stream(made, nullptr);
+    if (stream_ && source_ && destination_ && packet_ && encoder_) return true;
+    return set_error(message, "%s", no_structures);
+}
+
+bool VYX_LibAVVideoEncoder::set_formats(VYX_SaveVideoArgs& args) {
+    if (args.bits_per_color == 16) source_format_ = AV_PIX_FMT_RGB48LE;
+    if (args.bits_per_color == 8 || args.bits_per_color == 16) return true;
+    return set_error(args.errorMsg, "Invalid number of bits per color: %d!", args.bits_per_color);
+}
+
+void VYX_LibAVVideoEncoder::configure(const VYX_SaveVideoArgs& args) {
+    stream_->id = 0;
+    encoder_->bit_rate = args.bit_rate;
+    encoder_->width = args.width;
+    encoder_->height = args.height;
+    encoder_->time_base = {1, args.frame_rate};
+    encoder_->framerate = {args.frame_rate, 1};
+    encoder_->gop_size = args.group_of_pictures;
+    encoder_->max_b_frames = 0;
+    encoder_->pix_fmt = encoded_format(*codec_, source_format_);
+    encoder_->thread_count = codec_threads();
+    if (encoder_->codec_id == AV_CODEC_ID_MPEG1VIDEO) encoder_->mb_decision = FF_MB_DECISION_RD;
+    if (container_->oformat->flags & AVFMT_GLOBALHEADER) {
+        encoder_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    }
+}
+
+bool VYX_LibAVVideoEncoder::open_codec(ErrorMessage& message) {
+    int result = avcodec_open2(encoder_.get(), codec_, nullptr);
+    if (result >= 0) {
+        destination_->format = encoder_->pix_fmt;
+        destination_->width = encoder_->width;
+        destination_->height = encoder_->height;
+        result = av_frame_get_buffer(destination_.get(), 0);
+    }
+    if (result >= 0) {
+        stream_->time_base = encoder_->time_base;
+        stream_->avg_frame_rate = encoder_->framerate;
+        result = avcodec_parameters_from_context(stream_->codecpar, encoder_.get());
+    }
+    if (result >= 0) return true;
+    return set_error(message, "could not open codec: %s!\n", error_text(result).c_str());
+}
+
+bool VYX_LibAVVideoEncoder::open_file(ErrorMessage& message, const char* path) {
+    av_dump_format(container_.get(), 0, path, 1);
+    if (!(container_->oformat->flags & AVFMT_NOFILE)) {
+        const int result = avio_open(&container_->pb, path, AVIO_FLAG_WRITE);
+        if (result < 0) {
+            return set_error(message, "could not open file for writing: %s!\n",
+                             error_text(result).c_str());
+        }
+        partial_.begin(path);
+    }
+    const int result = avformat_write_header(container_.get(), nullptr);
+    header_written_ = result >= 0;
+    if (header_written_) return true;
+    return set_error(message, "could not write header: %s!\n", error_text(result).c_str());
+}
+
+void VYX_LibAVVideoEncoder::WriteFrame(VYX_WriteFrameArgs* args) {
+    if (accept(*args) && prepare_scaler(*args) && convert(*args)) encode(*args);
+}
+
+// Whether the frame is like the one before; the first may have any size.
+bool VYX_LibAVVideoEncoder::accept(VYX_WriteFrameArgs& args) const {
+    const bool first = !scaler_;
+    const int height = first ? encoder_->height : source_->height;
+    const int width = first ? encoder_->width : source_->width;
+    const bool same = args.frame_height == height && args.frame_width == width;
+    const bool any = first && args.frame_height > 0 && args.frame_width > 0;
+    if ((!same && !any) || args.bytes_per_pixel != 3) {
+        return set_error(args.errorMsg, "incorrect dimensions, expected %dx%dx%d!\n", height, width,
+                         3);
+    }
+    return args.data ? true : set_error(args.errorMsg, "Frame data not set!\n");
+}
+
+bool VYX_LibAVVideoEncoder::prepare_scaler(VYX_WriteFrameArgs& args) {
+    if (scaler_) return true;
+    source_->format = source_format_;
+    source_->width = args.frame_width;
+    source_->height = args.frame_height;
+    const bool same = args.frame_width == encoder_->width && args.frame_height == encoder_->height;
+    scaler_.reset(sws_getContext(args.frame_width, args.frame_height, source_format_,
+                                 encoder_->width, encoder_->height, encoder_->pix_fmt,
+                                 same ? SWS_POINT : SWS_BICUBIC, nullptr, nullptr, nullptr));
+    return scaler_ ? true : set_error(args.errorMsg, "sws_getContext failed\n");
+}
+
+bool VYX_LibAVVideoEncoder::convert(VYX_WriteFrameArgs& args) {
+    // The scaler only reads.
+    auto* data = const_cast<std::uint8_t*>(static_cast<const std::uint8_t*>(args.data));
+    av_image_fill_arrays(source_->data, source_->linesize, data, source_format_, source_->width,
+                         source_->height, 1);
+    int result = av_frame_make_writable(destination_.get());
+    if (result >= 0) {
+        result = sws_scale(scaler_.get(), source_->data, source_->linesize, 0, source_->height,
+                           destination_->data, destination_->linesize);
+    }
+    if (result >= 0) return true;
+    return set_error(args.errorMsg, "avcodec_encode_video failed: %s\n",
+                     error_text(result).c_str());
+}
+
+std::int64_t VYX_LibAVVideoEncoder::next_pts(double seconds) {
+    const double ticks = seconds / av_q2d(encoder_->time_base) + 0.5;
+    std::int64_t pts = 0;
+    if (ticks > 0.0) pts = static_cast<std::int64_t>(std::min(ticks, latest_pts));
+    last_pts_ = std::max(pts, last_pts_ + 1);
+    return last_pts_;
+}
+
+bool VYX_LibAVVideoEncoder::encode(VYX_WriteFrameArgs& args) {
+    destination_->pts = next_pts(args.frame_time);
+    int result = avcodec_send_frame(encoder_.get(), destination_.get());
+    if (result >= 0 && !write_packets(result)) {
+        damaged_ = true;
+        return set_error(args.errorMsg, "av_interleaved_write_frame failed: %s\n",
+                         error_text(result).c_str());
+    }
+    if (result >= 0) return true;
+    return set_error(args.errorMsg, "avcodec_encode_video failed: %s\n",
+                     error_text(result).c_str());
+}
+
+// Writes what the encoder has ready. `result` becomes an error code or 0; returns false when it is
+// the writing that failed.
+bool VYX_LibAVVideoEncoder::write_packets(int& result) {
+    for (;;) {
+        result = avcodec_receive_packet(encoder_.get(), packet_.get());
+        const bool none = result == AVERROR(EAGAIN) || result == AVERROR_EOF;
+        if (none) result = 0;
+        if (none || result < 0) return true;
+        if (packet_->duration == 0) packet_->duration = 1;
+        av_packet_rescale_ts(packet_.get(), encoder_->time_base, stream_->time_base);
+        packet_->stream_index = stream_->index;
+        result = av_interleaved_write_frame(container_.get(), packet_.get());
+        if (result < 0) return false;
+    }
+}
+
+// Completes the file, with what the encoder has held back.
+void VYX_LibAVVideoEncoder::finish() {
+    int result = avcodec_send_frame(encoder_.get(), nullptr);
+    const bool written = result >= 0 && write_packets(result) && result >= 0;
+    const bool ended = av_write_trailer(container_.get()) >= 0;
+    const bool file = !(container_->oformat->flags & AVFMT_NOFILE);
+    const bool closed = !file || avio_closep(&container_->pb) >= 0;
+    if (written && ended && closed && !damaged_) partial_.complete();
+}
