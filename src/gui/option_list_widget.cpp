@@ -160,7 +160,8 @@ void OptionListWidget::tick(double dt) {
                                                          : std::max<double>(goal, position - step));
     value->setValue(next);
     invalidate();
-    if (next == goal) {
+    // A setting has steps: it may have arrived where `next` had not quite.
+    if (next == goal || value->getValue() == goal) {
         animating = false;
         send(EventTypes::value_changed);
     }
