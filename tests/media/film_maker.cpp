@@ -22,6 +22,7 @@ extern "C" {
 
 std::atomic<int> scalers_made{0};
 std::atomic<bool> scalers_wait{false};
+std::atomic<bool> scaler_waits{false};
 std::atomic<bool> scalers_fail{false};
 std::atomic<bool> allocations_fail{false};
 std::atomic<int> clock_ms{-1};
@@ -47,9 +48,11 @@ SwsContext* __real_sws_getContext(int, int, AVPixelFormat, int, int, AVPixelForm
 SwsContext* __wrap_sws_getContext(int w, int h, AVPixelFormat format, int to_w, int to_h,
                                   AVPixelFormat to_format, int flags, SwsFilter* from,
                                   SwsFilter* to, const double* parameters) {
+    scaler_waits = scalers_wait.load();
     ++scalers_made;
     while (scalers_wait && !test_is_locking)
         std::this_thread::yield();
+    scaler_waits = false;
     if (scalers_fail) return nullptr;
     return __real_sws_getContext(w, h, format, to_w, to_h, to_format, flags, from, to, parameters);
 }

@@ -70,6 +70,8 @@ class LibraryLog {
 extern std::atomic<int> scalers_made;
 /// From now on they are made only while the test's own thread waits for a lock.
 extern std::atomic<bool> scalers_wait;
+/// One waits so.
+extern std::atomic<bool> scaler_waits;
 /// From now on scaling contexts cannot be made.
 extern std::atomic<bool> scalers_fail;
 /// From now on our own allocations from the library's allocator fail.
