@@ -23,6 +23,7 @@ constexpr double latest_pts = 1099511627776.0;  // 2^40
 
 VYX_LibAVVideoEncoder::VYX_LibAVVideoEncoder(VYX_SaveVideoArgs* args) {
     open(*args);
+    damaged_ = args->errorMsg[0] != '\0';
 }
 
 VYX_LibAVVideoEncoder::~VYX_LibAVVideoEncoder() {

@@ -3,6 +3,10 @@
 
 #include "videoio/video_fixture.h"
 
+extern "C" {
+#include <libavcodec/codec_id.h>
+}
+
 #include <algorithm>
 #include <cstring>
 #include <fstream>
@@ -89,10 +93,11 @@ TEST(BadFiles, UnknownCodec) {
 }
 
 TEST(BadFiles, DecoderThatRefuses) {
-    // Lagarith wants the number of bits that the container tells; there are no such of 7.
+    // Ut Video wants to be told more than Motion JPEG has to tell.
     const TemporaryFolder folder;
-    const std::string said = failure(with_codec(folder, "MJPG", "tscc"));
-    EXPECT_EQ(said.find("Couldn't open codec "), 0U) << said;
+    const std::string said = failure(with_codec(folder, "MJPG", "ULRG"));
+    EXPECT_EQ(said, "Couldn't open codec utvideo id " + std::to_string(AV_CODEC_ID_UTVIDEO) +
+                        ": Invalid data found when processing input\n");
 }
 
 struct Playable {

@@ -27,7 +27,10 @@ TEST_P(EqualToFfmpeg, FrameByFrame) {
     for (; film.next() && (frames + 1) * size <= expected.size(); ++frames) {
         ASSERT_EQ(std::memcmp(film.frame.data(), expected.data() + frames * size, size), 0)
             << "frame " << frames;
-        EXPECT_GT(film.read.frame_time, last) << "frame " << frames;
+        // Two films one behind the other start twice.
+        if (GetParam() != "size_change.ts") {
+            EXPECT_GT(film.read.frame_time, last) << "frame " << frames;
+        }
         last = film.read.frame_time;
     }
     EXPECT_STREQ(film.read.errorMsg, "read_and_decode failed: End of file\n");

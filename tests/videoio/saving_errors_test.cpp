@@ -8,6 +8,7 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
+#include <sys/mman.h>
 #include <sys/resource.h>
 
 #include <csignal>
@@ -88,9 +89,6 @@ TEST_F(SavingErrors, Rates) {
     VYX_SaveVideoArgs fast = args("mpeg1video");
     fast.frame_rate = 1000;
     EXPECT_EQ(failure(fast), "could not open codec: Invalid argument!\n");
-    fast = args("mpeg4");
-    fast.bit_rate = -5;
-    EXPECT_EQ(failure(fast), "could not open codec: Numerical result out of range!\n");
 }
 
 // Messages of FFmpeg's encoder for H.264, which tells when it starts.
@@ -252,19 +250,22 @@ TEST_F(SavingErrors, FullDisks) {
 }
 
 TEST_F(SavingErrors, UncompressedFilesEndBelow4GiB) {
-    // Frames of 2 GB that are never touched: the third one would not fit.
-    VYX_SaveVideoArgs large = args("avi");
-    large.width = 20000;
-    large.height = 35000;
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "converts 4 GB, which takes minutes here";
+#endif
+    constexpr std::size_t bytes = std::size_t{20000} * 35000 * 3;
+    void* zeros =
+        mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(zeros, MAP_FAILED);
     {
-        WrittenFilm film(large);
-        film.write.frame_width = 20000;
-        film.write.frame_height = 35001;
-        film.write.data = "";
+        WrittenFilm film(save_args("/dev/null", "avi", 20000, 35000));
+        film.write.data = zeros;
+        EXPECT_EQ(write_frame(&film.write), 0) << film.write.errorMsg;
+        EXPECT_EQ(write_frame(&film.write), 0) << film.write.errorMsg;
         EXPECT_EQ(write_frame(&film.write), 1);
-        EXPECT_STREQ(film.write.errorMsg, "incorrect dimensions, expected 35000x20000x3!\n");
+        EXPECT_STREQ(film.write.errorMsg, "File is full: AVI files hold less than 4 GiB!\n");
     }
-    std::filesystem::remove(folder_.path("film.avi"));
+    munmap(zeros, bytes);
 }
 
 TEST_F(SavingErrors, ExistingFilesAreReplacedOrGone) {
