@@ -23,6 +23,7 @@ constexpr double latest_pts = 1099511627776.0;  // 2^40
 
 VYX_LibAVVideoEncoder::VYX_LibAVVideoEncoder(VYX_SaveVideoArgs* args) {
     open(*args);
+    damaged_ = args->errorMsg[0] != '\0';
 }
 
 VYX_LibAVVideoEncoder::~VYX_LibAVVideoEncoder() {
@@ -35,6 +36,10 @@ bool VYX_LibAVVideoEncoder::open(VYX_SaveVideoArgs& args) {
     codec_ = choice.encoder;
     // A wrong number of bits is told, and what follows is carried out all the same.
     const bool bits_known = set_formats(args);
+    const bool positive = args.width > 0 && args.height > 0;
+    if (!positive || av_image_get_buffer_size(source_format_, args.width, args.height, 1) < 0) {
+        return set_error(args.errorMsg, "Invalid frame size: %dx%d!\n", args.width, args.height);
+    }
     ErrorMessage later{};
     auto& message = bits_known ? args.errorMsg : later;
     if (!allocate(message, choice.container, args.videoFileName)) return false;

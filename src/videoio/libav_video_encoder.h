@@ -44,7 +44,7 @@ class VYX_LibAVVideoEncoder : public VYX_VideoEncoder {
     ScalerPtr scaler_;
     PacketPtr packet_;
     bool header_written_ = false;
-    bool damaged_ = false;  ///< something could not be written
+    bool damaged_ = false;  ///< what is written is not the film
     AVPixelFormat source_format_ = AV_PIX_FMT_RGB24;
     std::int64_t last_pts_ = -1;
 };

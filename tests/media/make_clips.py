@@ -167,6 +167,10 @@ CLIPS = {
     + MPEG4 + ["-g", "25", "-c:a", "aac"],
     # For measuring: the film without its sound, long enough for a minute.
     "film_720p.mp4": None,
+    # Key frames with pictures around them that refer to both sides, in 10 bits.
+    "hevc_open_gop.mkv": numbered() + ["-c:v", "libx265", "-preset", "ultrafast", "-pix_fmt", "yuv420p10le",
+                                       "-x265-params", "log-level=none:keyint=25:min-keyint=25:open-gop=1:bframes=3"
+                                       ":scenecut=0"],
 }  # fmt: skip
 
 
