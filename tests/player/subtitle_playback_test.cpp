@@ -19,10 +19,11 @@ class SubtitlePlayback : public PlayerTest {
         subtitles.load("");
     }
 
-    // A clip of four seconds under another name, with two subtitles.
+    // A clip of four seconds under another name, with two subtitles. Without sound: there is one
+    // device.
     VideoState* open_with_subtitles(const std::string& name, const std::string& text) {
         const std::string path = folder_.path(name);
-        std::filesystem::create_symlink(clip("h264.mp4"), path + ".mp4");
+        std::filesystem::create_symlink(clip("h264_nob.mp4"), path + ".mp4");
         std::ofstream(path + ".srt") << "1\n0:0:0,500 --> 0:0:1,0\n"
                                      << text << " one\n\n"
                                      << "2\n0:0:2,500 --> 0:0:3,0\n"
@@ -49,7 +50,7 @@ class SubtitlePlayback : public PlayerTest {
 TEST_F(SubtitlePlayback, AreThereWhenTheFilmIsOpen) {
     open_with_subtitles("film", "text");
     EXPECT_EQ(shown(600000), "text one\n");
-    open("h264.mp4");
+    open("h264_nob.mp4");
     EXPECT_EQ(shown(600000), "") << "this one has none";
 }
 
