@@ -118,15 +118,16 @@ void OptionListWidget::draw_moving_highlight() {
 
 void OptionListWidget::draw_texts(bool enabled) {
     const WidgetStyle& drawn_style = look();
-    const unsigned color = enabled ? drawn_style.text_color : disabled_text_color;
     const float text_scale = drawn_style.small_text_scale;
+    std::vector<PlacedText> texts;
     for (int i = 0; i < count(); ++i) {
         if (is_enabled(i) != enabled) continue;
         const auto index = static_cast<std::size_t>(i);
         const std::string& text = option_texts[index];
-        draw_text(text, color, text_scale,
-                  centered_text(text_size(text), text_scale, option_rectangles[index]));
+        texts.push_back(
+            {&text, centered_text(text_size(text), text_scale, option_rectangles[index])});
     }
+    draw_texts_together(texts, enabled ? drawn_style.text_color : disabled_text_color, text_scale);
 }
 
 bool OptionListWidget::mousemove(pointf p, int buttons) {

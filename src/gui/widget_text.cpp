@@ -13,10 +13,17 @@ pointf text_size(const std::string& text) {
 }
 
 void draw_text(const std::string& text, unsigned color, float scale, pointf position) {
+    const PlacedText placed{&text, position};
+    draw_texts_together({&placed, 1}, color, scale);
+}
+
+void draw_texts_together(std::span<const PlacedText> texts, unsigned color, float scale) {
+    if (texts.empty()) return;
     // Before Begin: an opaque colour would end the blending that letters need.
     setpencolor(color);
     default_font.Begin();
-    default_font.DrawString(text, scale, position.x, position.y);
+    for (const PlacedText& placed : texts)
+        default_font.DrawString(*placed.text, scale, placed.position.x, placed.position.y);
     default_font.End();
 }
 
