@@ -6,7 +6,11 @@
 #include "gui/forms_rig.h"
 #include "support/gl_fixture.h"
 
+#include <GL/glew.h>
+
+#include <algorithm>
 #include <cstdlib>
+#include <string>
 
 namespace {
 
@@ -29,6 +33,10 @@ class FormPictures : public GlTest {
   protected:
     void SetUp() override {
         GlTest::SetUp();
+        // Lines on the border of two pixels light either of them: with softpipe the largest
+        // difference is 241 and the mean 6.1, all of it beside such lines.
+        const std::string driver = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+        if (driver.find("llvmpipe") == std::string::npos) GTEST_SKIP() << "drawn by " << driver;
         create_default_font();
     }
 
@@ -62,7 +70,7 @@ class FormPictures : public GlTest {
         const double mean = sum / static_cast<double>(found.bytes.size());
         RecordProperty("largest", largest);
         RecordProperty("mean", std::to_string(mean));
-        // Measured 0 and 0.0 with the driver they were made with (llvmpipe).
+        // Measured 0 and 0.0.
         EXPECT_LE(largest, 3) << "saved as failed-" << name;
         EXPECT_LE(mean, 0.05);
         if (HasFailure()) save(name, found, golden);
