@@ -44,6 +44,7 @@ class ThumbnailWorker : public GlTest {
   protected:
     void TearDown() override {
         stop();
+        bAbort = false;
         ThumbnailDatabase::Clear();
         ThumbnailDatabase::Lookup("", false);
         GlTest::TearDown();
