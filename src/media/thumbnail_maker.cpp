@@ -277,7 +277,7 @@ class ThumbnailMaking {
         // There is one cover, at no time.
         if (stream_->disposition & AV_DISPOSITION_ATTACHED_PIC) return false;
         std::int64_t target =
-            av_rescale_q(attempt * attempt_step, AV_TIME_BASE_Q, stream_->time_base);
+            av_rescale_q(attempt * attempt_step, av_get_time_base_q(), stream_->time_base);
         if (stream_->start_time != AV_NOPTS_VALUE) target += stream_->start_time;
         if (av_seek_frame(format(), stream_->index, target, AVSEEK_FLAG_FRAME) < 0) return false;
         avcodec_flush_buffers(codec_.get());
