@@ -4,7 +4,7 @@
    fail_allocations(n, whose) makes every n-th one fail from now on, of all threads together; 0 ends
    that. `whose` is 0 for those that libvyxvideo.so asks for, itself or through the C++ library or as
    an object of FFmpeg's, and 1 for every allocation of the process. failed_allocations() tells how
-   many did. */
+   many did. With OBJECTS_ONLY nothing but objects of FFmpeg's fails. */
 
 #define _GNU_SOURCE
 #include <dlfcn.h>
@@ -73,6 +73,8 @@ static int runs_out_for(const void* caller, int cpp_too) {
 
 #define RUNS_OUT runs_out_for(__builtin_return_address(0), 1)
 
+#ifndef OBJECTS_ONLY
+
 /* The next library's function of this name, looked up at the first call. */
 #define NEXT(type, name, ...)                                          \
     static type (*next)(__VA_ARGS__);                                  \
@@ -131,6 +133,8 @@ void free(void* memory) {
     NEXT(void, free, void*);
     if (!is_early(memory)) next(memory);
 }
+
+#endif
 
 /* Objects of FFmpeg's that the library asks for. */
 #define OBJECT(type, name, parameters, arguments)                                       \

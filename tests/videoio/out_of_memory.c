@@ -1,8 +1,8 @@
 /* SPDX-License-Identifier: MIT */
-/* out_of_memory FOLDER N WHOSE FILM...: reads and writes films while every N-th allocation fails, of
-   the interface's own (WHOSE is 0) or of the whole process (1), and does the same once more with
-   memory. Then the films are read and only uncompressed ones written: FFmpeg 5.1 itself does not
-   survive that everywhere. Run with the allocator that can fail loaded before it.
+/* out_of_memory FOLDER N WHOSE [FILM...]: reads and writes films while every N-th allocation fails,
+   of the interface's own (WHOSE is 0) or of the whole process (1), and does the same once more with
+   memory. In the whole process only uncompressed films are written: FFmpeg 5.1 itself does not survive
+   every failure. Run with the allocator that can fail loaded before it.
 
    Prints the number of failed allocations and what the interface said. Status 0 when every failure
    came with a message and everything works afterwards. */
@@ -121,7 +121,7 @@ static int work(const char* folder, int outputs_used, int films, char** names) {
 }
 
 int main(int argc, char** argv) {
-    if (argc < 5) return 2;
+    if (argc < 4) return 2;
     const int whose = atoi(argv[3]);
     const int outputs_used = whose ? 1 : 3;
     const int films = argc - 4;
