@@ -217,8 +217,9 @@ VYX_VIDEO_API int save_video(VYX_SaveVideoArgs* args);
      "Could not write to file: %s!\n"                  the same with the codec "avi".
      "File is full: AVI files hold less than 4 GiB!\n" the file is good with the frames before.
 
-   After one of the three errors of writing the file cannot become complete: close_video removes it.
- */
+   "avcodec_encode_video", "av_interleaved_write_frame" and "Could not write" mean that the file
+   cannot become complete any more: they stay for every further frame, and close_video removes the
+   file. */
 VYX_VIDEO_API int write_frame(VYX_WriteFrameArgs* args);
 
 /* Closes a handle of either kind; a file that was written is complete afterwards, and one that
