@@ -157,6 +157,12 @@ TEST_F(BrowserPictures, NothingStaysBoundOrSwitchedOn) {
     EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
 }
 
+TEST_F(BrowserPictures, OnePictureLeavesNothingSwitchedOn) {
+    const object_ref<gl_texture_resource> texture = quarters(192, 144);
+    draw_thumbnail(*texture, 0, 0, 74, 56);
+    EXPECT_FALSE(glIsEnabled(GL_TEXTURE_RECTANGLE));
+}
+
 TEST_F(BrowserPictures, WholeBrowser) {
     pretend({"../", "Holidays/", "clip.MKV", "[Group] Show 01.mkv", "a film with a long name.mp4",
              "song.mp3", "wide.avi", "upright.mp4", "x.flv", "y.ogg", "z.wmv"},
