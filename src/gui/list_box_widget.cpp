@@ -11,6 +11,7 @@ namespace {
 
 constexpr unsigned separator_color = 0xFF808080U;
 constexpr int rows_above_selected = 4;
+constexpr int rows_per_notch = 3;
 
 }  // namespace
 
@@ -83,8 +84,13 @@ int ListBoxWidget::item_at(pointf p) const {
     return item_height > 0 ? whole_number(p.y / static_cast<float>(item_height)) : -1;
 }
 
+float ListBoxWidget::notch() const {
+    return static_cast<float>(rows_per_notch) * static_cast<float>(item_height);
+}
+
 bool ListBoxWidget::mousedown(pointf p, int button) {
     const bool used = ScrollableWidget::mousedown(p, button);
+    if (is_wheel(button)) return used;
     selected = item_at(p);
     invalidate();
     return used;

@@ -36,6 +36,10 @@ class ListBoxWidget : public ScrollableWidget {
     int selected = -1;  ///< may lie outside the list; then nothing is selected
     bool flag = false;  ///< for the owner
 
+  protected:
+    /// Three rows.
+    float notch() const override;
+
   private:
     int count() const { return static_cast<int>(items.size()); }
     int item_at(pointf p) const;

@@ -12,6 +12,7 @@ namespace {
 constexpr float slowest = 10.0F;  // units per second
 constexpr float flick_gain = 6.0F;
 constexpr float following = 0.9F;  // of the way to the pointer
+constexpr float usual_notch = 120.0F;
 
 float noticeable(float speed) {
     return std::abs(speed) >= slowest ? speed : 0.0F;  // not-a-number is 0, too
@@ -41,7 +42,16 @@ void ScrollableWidget::screen2point(pointf& p, bool local_only) const {
     p = p + scroll_position;
 }
 
+float ScrollableWidget::notch() const {
+    return usual_notch;
+}
+
 bool ScrollableWidget::mousedown(pointf p, int button) {
+    if (is_wheel(button)) {
+        velocity = {};
+        scroll({0.0F, button == wheel_up ? -notch() : notch()}, false);
+        return true;
+    }
     if (button != 1) return false;
     last_pointer = p;
     press_time = static_cast<float>(now());

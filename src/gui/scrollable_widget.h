@@ -3,10 +3,14 @@
 
 #include "gui/widget_container.h"
 
-/// A window onto larger content, moved by dragging. When let go it glides on at constant speed,
-/// until it meets its limit or is pressed. [main]
+/// A window onto larger content, moved by dragging and by the mouse's wheel. When let go it glides
+/// on at constant speed, until it meets its limit or is pressed. [main]
 class ScrollableWidget : public WidgetContainer {
   public:
+    /// The buttons that SDL reports the wheel as.
+    static constexpr int wheel_up = 4;
+    static constexpr int wheel_down = 5;
+
     /// Moves by `d`, or to `d`, within the limits.
     void scroll(pointf d, bool absolute);
     /// The visible part in content coordinates.
@@ -14,6 +18,7 @@ class ScrollableWidget : public WidgetContainer {
 
     /// Content coordinates.
     void screen2point(pointf& p, bool local_only) const override;
+    /// The wheel comes as a press of one of `wheel_up` and `wheel_down` for each notch.
     bool mousedown(pointf p, int button) override;
     bool mousemove(pointf p, int buttons) override;
     /// True where the press was a scroll, not a click.
@@ -29,4 +34,9 @@ class ScrollableWidget : public WidgetContainer {
     pointf last_pointer;
     float press_time = 0.0F;
     bool moved = false;  ///< this press scrolled, or stopped what was moving
+
+  protected:
+    static bool is_wheel(int button) { return button == wheel_up || button == wheel_down; }
+    /// How far one notch of the wheel goes.
+    virtual float notch() const;
 };

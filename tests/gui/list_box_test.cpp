@@ -162,6 +162,27 @@ TEST_F(ListBoxTest, OtherButtonsSelectButDoNotChoose) {
     EXPECT_TRUE(form->actions().empty());
 }
 
+TEST_F(ListBoxTest, ANotchOfTheWheelScrollsThreeRowsAndChoosesNothing) {
+    const auto turn = [this](int button) {
+        EXPECT_TRUE(world.press(at(30), button));
+        world.release(at(30));
+    };
+    list->select_item_by_index(1);
+    turn(ScrollableWidget::wheel_down);
+    EXPECT_EQ(list->scroll_position.y, 120.0F);
+    list->item_height = 60;
+    turn(ScrollableWidget::wheel_down);
+    EXPECT_EQ(list->scroll_position.y, 300.0F);
+    turn(ScrollableWidget::wheel_up);
+    EXPECT_EQ(list->scroll_position.y, 120.0F);
+    turn(ScrollableWidget::wheel_up);
+    EXPECT_EQ(list->scroll_position.y, 0.0F) << "not above the first row";
+    EXPECT_EQ(list->selected, 1);
+    EXPECT_TRUE(form->actions().empty());
+    world.click(at(30));
+    EXPECT_EQ(form->actions(), Actions{EventTypes::item_chosen}) << "a click is a click again";
+}
+
 TEST_F(ListBoxTest, DrawsTheRowsThatTouchTheView) {
     EXPECT_EQ(drawn_rows(), (std::vector<int>{0, 1, 2, 3, 4}));
     list->scroll({0, 20}, true);

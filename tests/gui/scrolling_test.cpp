@@ -153,6 +153,25 @@ TEST_F(ScrollingTest, APressStopsItAndIsNoClick) {
     EXPECT_TRUE(area->mouseup({45, 45}, 1));
 }
 
+TEST_F(ScrollingTest, TheWheelScrollsByStepsAndStopsWhatGlides) {
+    const pointf inside(260, 260);
+    area->velocity = {0, 300};
+    form->dirty = false;
+    EXPECT_TRUE(world.press(inside, ScrollableWidget::wheel_down));
+    world.release(inside);
+    expect_at(0, 120);
+    EXPECT_TRUE(form->dirty);
+    EXPECT_FALSE(area->moved) << "it is no drag";
+    world.pass(1.0);
+    expect_at(0, 120);
+    EXPECT_TRUE(world.press(inside, ScrollableWidget::wheel_up));
+    world.move({260, 100});
+    world.release({260, 100});
+    expect_at(0, 0);
+    world.pass(1.0);
+    expect_at(0, 0);
+}
+
 TEST_F(ScrollingTest, AClockThatStandsOrGoesBackGivesNoWildSpeed) {
     area->mousedown({50, 50}, 1);
     world.clock -= 1000;
