@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How refreshes, events and the window's size meet the forms.
 #include "gui/forms.h"
+#include "gui/gui_environment.h"
 #include "gui/gui_layer.h"
 #include "gui/screen.h"
 #include "platform/window.h"
@@ -63,6 +64,8 @@ class InterfaceTest : public VideoRefreshTest {
   protected:
     void SetUp() override {
         VideoRefreshTest::SetUp();
+        for (const int number : {1, 2, 3})
+            handle_event(button(false, number, 0, 0));  // nothing is held any more
         probe_ = new Probe;
         gui.children.clear();
         gui.add(probe_);
@@ -227,6 +230,8 @@ TEST_F(InterfaceTest, PressIsFollowedByAMoveWithTheButtonHeld) {
 
 TEST_F(InterfaceTest, SecondButtonTakesNothingFromTheFirst) {
     reshape(800, 600);
+    const GuiEnvironment outside = gui_environment;
+    gui_environment.mouse_buttons = [] { return 1U; };
     handle_event(button(true, 1, 400, 300));
     for (const int other : {2, 3, 4, 5}) {
         handle_event(button(true, other, 400, 300));
@@ -235,6 +240,16 @@ TEST_F(InterfaceTest, SecondButtonTakesNothingFromTheFirst) {
     EXPECT_EQ(probe_->events.size(), 2U);
     handle_event(motion(401, 300));
     EXPECT_EQ(probe_->events.back(), "move 101,50 1");
+    handle_event(button(false, 1, 400, 300));
+    EXPECT_EQ(probe_->events.back(), "up 100,50 1");
+    gui_environment = outside;
+}
+
+TEST_F(InterfaceTest, LostReleaseDoesNotLockTheOtherButtons) {
+    reshape(800, 600);
+    handle_event(button(true, 3, 400, 300));
+    handle_event(button(true, 1, 400, 300));
+    EXPECT_EQ(probe_->events.back(), "move 100,50 1");
     handle_event(button(false, 1, 400, 300));
     EXPECT_EQ(probe_->events.back(), "up 100,50 1");
 }
