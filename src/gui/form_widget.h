@@ -26,6 +26,8 @@ class FormWidget : public WidgetContainer {
     bool overlaps_with(const WidgetBase* other) const;
     /// From now on the form zooms from and into the parent's origin.
     void reset_scaling_center();
+    /// Puts the form there, or as near as it fits on the screen.
+    void move_to(pointf origin);
 
     void draw() override;
     bool mousedown(pointf p, int button) override;
@@ -71,7 +73,6 @@ class FormWidget : public WidgetContainer {
   private:
     void draw_frame();
     void draw_title();
-    void move_to(pointf origin);
     void hide_forms_in_the_way();
     void push_auto_hide_forms_away();
     void animate();

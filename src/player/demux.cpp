@@ -96,6 +96,8 @@ class Demuxing {
     void publish_duration() {
         const std::int64_t duration = is_->format_context->duration;
         is_->duration = duration > 0 ? static_cast<double>(duration) / AV_TIME_BASE : 0.0;
+        const std::int64_t start = is_->format_context->start_time;
+        is_->start_time = start != AV_NOPTS_VALUE ? start : 0;
     }
 
     // Reads the file through, so that it comes from memory when it plays.
@@ -133,10 +135,13 @@ class Demuxing {
         }
     }
 
+    // Recordings may start at any time; the interface counts from there.
     void publish_position() {
         const int index = reference_stream(is_);
-        is_->position =
+        const double position =
             timestamp_seconds(global_video_pkt_pts, is_->format_context->streams[index]->time_base);
+        const double start = static_cast<double>(is_->start_time) / AV_TIME_BASE;
+        is_->position = std::max(0.0, position - start);
     }
 
     void handle_end_of_file() {

@@ -40,7 +40,7 @@ void mouse_down(const SDL_MouseButtonEvent& button) {
     const pointf p(button.x, button.y);
     if (button.button == SDL_BUTTON_LEFT && DoubleClickDetected(SDL_GetTicks()) &&
         !gui.hittest(p)) {
-        set_fullscreen(get_fullscreen() ? 0 : 1);
+        cover_screen(!get_fullscreen());
         return;
     }
     if (held_button != button.button && is_held()) return;

@@ -185,14 +185,23 @@ void place_forms() {
         if (!child->hastype(WidgetTypes::form)) continue;
         auto& form = static_cast<FormWidget&>(*child);
         form.invalidate();
-        if (!form.full_width) continue;
-        form.bounds.x = screenRectangle.x;
-        form.bounds.w = screenRectangle.w;
-        form.on_size_changed();
+        if (form.full_width) {
+            form.bounds.x = screenRectangle.x;
+            form.bounds.w = screenRectangle.w;
+            form.on_size_changed();
+        } else if (!form.auto_hide) {
+            form.move_to(form.bounds);  // it may have been dragged to where there is no window now
+        }
     }
 }
 
 }  // namespace
+
+void cover_screen(bool on) {
+    set_fullscreen(on ? 1 : 0);
+    // A form that went while the screen was covered took the pointer with it.
+    if (!get_fullscreen()) SDL_ShowCursor(SDL_ENABLE);
+}
 
 void init() {
     init_gl_state();

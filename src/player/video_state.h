@@ -156,8 +156,9 @@ struct VideoState {
     PostprocessingCallback postprocessing_callback = nullptr;
 
     // Published for the interface.
-    std::atomic<double> duration{0.0};  ///< seconds, 0 when unknown
-    std::atomic<double> position{0.0};  ///< seconds
+    std::atomic<double> duration{0.0};        ///< seconds, 0 when unknown
+    std::atomic<double> position{0.0};        ///< seconds from the start
+    std::atomic<std::int64_t> start_time{0};  ///< of the first time stamp, microseconds
 
     // Threads.
     SDL_Thread* demux_thread = nullptr;

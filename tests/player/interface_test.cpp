@@ -216,6 +216,15 @@ TEST_F(InterfaceTest, FormsFollowTheWindow) {
     EXPECT_EQ(gui.scale.y, 0.25F);
 }
 
+TEST_F(InterfaceTest, SmallerWindowPullsFormsBack) {
+    reshape(2000, 600);
+    probe_->bounds.x = 800;
+    probe_->bounds.y = -300;
+    reshape(800, 600);
+    EXPECT_EQ(probe_->bounds.x, 200) << "its right edge at the window's";
+    EXPECT_EQ(probe_->bounds.y, -300);
+}
+
 TEST_F(InterfaceTest, PressIsFollowedByAMoveWithTheButtonHeld) {
     reshape(800, 600);
     handle_event(motion(390, 290));
