@@ -26,7 +26,7 @@ bool player_covers_screen() {
 
 // The size of every text; without a texture nothing is drawn.
 void load_font() {
-    if (default_font.GetTexWidth() > 0) return;
+    if (default_font.find('A')) return;
     const unsigned char* data = nullptr;
     int size = 0;
     load_resource("GLF", "DEFAULT", &data, &size);
