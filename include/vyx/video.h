@@ -158,9 +158,9 @@ VYX_VIDEO_API int open_video(VYX_OpenVideoArgs* args);
 
      "incorrect dimensions!\n"          height, width or bytes per pixel; nothing has been read.
      "Frame data not set!\n"            `data` is null; nothing has been read.
-     "read_and_decode failed: %s\n"     "End of file" after the last frame; otherwise a damaged
-   part, after which reading may go on. "sws_getContext failed\n"          the frame's kind of
-   pixels cannot be converted.
+     "read_and_decode failed: %s\n"     with "End of file" after the last frame; otherwise for a
+                                        damaged part, after which reading may go on.
+     "sws_getContext failed\n"          the frame's kind of pixels cannot be converted.
 
    Reading on after the end gives the end again. */
 VYX_VIDEO_API int read_frame(VYX_ReadFrameArgs* args);
@@ -171,7 +171,9 @@ VYX_VIDEO_API int read_frame(VYX_ReadFrameArgs* args);
    Frames that the decoder has not given out yet come first: read on until `frame_time` is what you
    look for. Text:
 
-     "error while seeking\n"            a film that cannot seek, or a time that is not a number. */
+     "error while seeking\n"            a time that is not a number, after which reading goes on as
+                                        before, or a film that cannot seek, which may then be at its
+                                        end. */
 VYX_VIDEO_API int seek_frame(VYX_SeekFrameArgs* args);
 
 /* Makes a file for frames. Returns 0, or -1 with a message and a null handle.
