@@ -7,8 +7,8 @@
 
    Order of calls. Reading: open_video, then read_frame and seek_frame in any order, then
    close_video. Writing: save_video, then write_frame once per frame, then close_video, which
-   completes the file. Every call but the last two of this header takes one record that carries its
-   inputs, its outputs and a message. Set `size` to sizeof the record and fill in the fields marked
+   completes the file. These calls, except close_video, take one record that carries their
+   inputs, outputs and a message. Set `size` to sizeof the record and fill in the fields marked
    "in"; fields marked "out" are written by the call. All numbers are in the byte order of the
    machine, which has to be a little-endian one with 64-bit pointers; the offsets of the fields are
    part of the interface and never change.
@@ -35,8 +35,9 @@
    time. Calls with the same handle wait for each other, and close_video lets a call that is under
    way finish first. Records must not be shared between calls that run at the same time.
 
-   FFmpeg's own log goes to standard error. Where the program has not chosen a level before the
-   first call here, it is set to AV_LOG_QUIET once; av_log_set_level afterwards makes it heard. */
+   FFmpeg's own log goes to standard error. Where the program has not chosen a level before it
+   opens or saves its first film here, it is set to AV_LOG_QUIET, once; av_log_set_level afterwards
+   makes it heard, with a description of every film that is saved. */
 
 #include <stdint.h>
 
