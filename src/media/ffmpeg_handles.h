@@ -8,6 +8,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/dict.h>
 #include <libavutil/frame.h>
+#include <libavutil/mem.h>
 #include <libswresample/swresample.h>
 #include <libswscale/swscale.h>
 }
@@ -16,6 +17,13 @@ extern "C" {
 
 struct FrameDeleter {
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+};
+/// For frame records whose pixels are one allocation of their own, at `data[0]`.
+struct OwnPixelsDeleter {
+    void operator()(AVFrame* frame) const {
+        av_freep(&frame->data[0]);
+        av_frame_free(&frame);
+    }
 };
 struct PacketDeleter {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
@@ -32,6 +40,13 @@ struct FormatOutputDeleter {
         avformat_free_context(context);
     }
 };
+/// For inputs and outputs with callbacks of ours.
+struct IoContextDeleter {
+    void operator()(AVIOContext* io) const {
+        av_freep(&io->buffer);
+        avio_context_free(&io);
+    }
+};
 struct ResamplerDeleter {
     void operator()(SwrContext* context) const { swr_free(&context); }
 };
@@ -40,12 +55,14 @@ struct ScalerDeleter {
 };
 
 using FramePtr = std::unique_ptr<AVFrame, FrameDeleter>;
+using OwnPixelsPtr = std::unique_ptr<AVFrame, OwnPixelsDeleter>;
 using PacketPtr = std::unique_ptr<AVPacket, PacketDeleter>;
 using CodecContextPtr = std::unique_ptr<AVCodecContext, CodecContextDeleter>;
 /// An opened (or allocated) input.
 using FormatInputPtr = std::unique_ptr<AVFormatContext, FormatInputDeleter>;
 /// An allocated output and the file it writes, if that is open.
 using FormatOutputPtr = std::unique_ptr<AVFormatContext, FormatOutputDeleter>;
+using IoContextPtr = std::unique_ptr<AVIOContext, IoContextDeleter>;
 using ResamplerPtr = std::unique_ptr<SwrContext, ResamplerDeleter>;
 using ScalerPtr = std::unique_ptr<SwsContext, ScalerDeleter>;
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/resources.h"
 
+#include "resources/default_font_data.h"
+
 #include <cstdio>
 #include <cstring>
-#include <span>
 
 namespace {
 
@@ -15,7 +16,9 @@ struct Resource {
 };
 
 // Everything that is compiled in.
-constexpr std::span<const Resource> resources;
+constexpr Resource resources[] = {
+    {"GLF", "DEFAULT", default_font_data, sizeof default_font_data},
+};
 
 }  // namespace
 

@@ -94,6 +94,7 @@ StreamInfo audio_stream_info(const AVStream* stream, const AVCodecContext* codec
     info.codec_name = codec->codec->name;
     info.bit_rate = codec->bit_rate;
     info.channels = stream->codecpar->ch_layout.nb_channels;
+    info.time_base = stream->time_base;
     return info;
 }
 

@@ -2,10 +2,15 @@
 #include "player/display.h"
 
 #include "core/settings.h"
+#include "gpu/display_geometry.h"
 #include "gpu/gl_context.h"
+#include "gpu/no_signal.h"
 #include "gpu/video_display.h"
+#include "gui/gui_layer.h"
 #include "platform/window.h"
 #include "player/clocks.h"
+#include "player/hud.h"
+#include "player/infolabel.h"
 #include "player/picture_queue.h"
 #include "player/refresh_plan.h"
 #include "player/video_refresh.h"
@@ -45,6 +50,13 @@ void sleep_until(double due) {
     if (wait > 0.0) std::this_thread::sleep_for(std::chrono::duration<double>(wait));
 }
 
+void adapt_vsync(int fps) {
+    constexpr int automatic = 2;
+    if (master_settings.vsync.toInt() != automatic) return;
+    const bool wanted = vsync_is_wanted(fps, get_display_refresh_rate());
+    if (wanted != (get_vsync() != 0)) set_vsync(wanted ? 1 : 0);
+}
+
 int queued_pictures(VideoState* is) {
     const MutexLock lock(is->picture_queue_mutex);
     return is->picture_queue_size;
@@ -77,7 +89,12 @@ void video_display(VideoState* is) {
                            .shown = is->shown_texture,
                            .planes = is->direct_planes};
     const std::int64_t begun = wall_clock();
-    display_picture(view);
+    if (!display_picture(view) && is->audio_stream_index >= 0) {
+        // There will be a picture, which shall not grow out of the waveforms.
+        audio_display(is);
+        reset_video_scaling_animation();
+        return;
+    }
     hud_display(is);
     finish_drawing();
     RefreshClocks& clocks = is->clocks;
@@ -87,29 +104,36 @@ void video_display(VideoState* is) {
     if (swap_observer) swap_observer(is, wall_clock());
 }
 
-void audio_display(VideoState* is) {
-    clear_window(screen->w, screen->h);
-    hud_display(is);
-    gui_display();
-}
-
 void video_nosignal_display() {
     clear_window(screen->w, screen->h);
+    SDL_Rect r = no_signal_rectangle(screen->w, screen->h);
+    video_scaling_animation(r);
+    draw_no_signal(r, screen->h, no_signal_time(SDL_GetTicks(), screen->h));
     hud_display(nullptr);
     gui_display();
 }
 
-void hud_display(VideoState* /*is*/) {
+void hud_display(VideoState* is) {
+    fade_infolabel(wall_clock());
     const int fps = static_cast<int>(std::lrint(video_estimate_fps()));
-    constexpr int automatic = 2;
-    if (master_settings.vsync.toInt() == automatic) {
-        const bool wanted = fps >= get_display_refresh_rate() - 1;
-        if (wanted != (get_vsync() != 0)) set_vsync(wanted ? 1 : 0);
+    adapt_vsync(fps);
+    HudInput input{.width = static_cast<float>(screen->w),
+                   .height = static_cast<float>(screen->h),
+                   .label = infolabel_text,
+                   .label_alpha = infolabel_alpha,
+                   .status = {},
+                   .subtitle = nullptr};
+    if (is) {
+        input.status = hud_status(is, fps);
+        input.subtitle = current_subtitle(is);
     }
+    for (const OverlayText& text : hud_texts(input))
+        draw_overlay_text(text);
     note_frame_shown(wall_clock());
 }
 
 void gui_display() {
+    draw_gui();
     if (get_vsync()) finish_drawing();
     present_window();
 }

@@ -1,16 +1,22 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "gpu/waveform_display.h"
 #include "player/video_state.h"
+
+#include <vector>
 
 /// Redraw the window, each ending with the buffer swap. [main]
 
-/// The current picture of the film.
+/// The current picture of the film. Before there is one: the sound, if there is any.
 void video_display(VideoState* is);
-/// What is shown while only sound plays.
+/// The waveforms of the sound and the film's name, while there is no picture.
 void audio_display(VideoState* is);
 /// What is shown while nothing is open.
 void video_nosignal_display();
+
+/// The newest sound of the film, at most two channels of it. [main]
+std::vector<Waveform> read_waveforms(const VideoState* is);
 
 /// What lies over the picture, and the bookkeeping of shown pictures. `is` may be null.
 void hud_display(VideoState* is);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "player/event_loop.h"
 
+#include "gui/forms.h"
 #include "platform/window.h"
 #include "player/infolabel.h"
 #include "player/key_commands.h"
@@ -16,12 +17,44 @@ namespace {
 
 constexpr Uint32 double_click_ms = 250;
 
+// The button that is being held over the interface, 0 for none.
+int held_button = 0;
+
+bool near_edge(pointf p) {
+    constexpr float margin = 100.0F;
+    return p.x < margin || p.y < margin || p.x > static_cast<float>(screen->w) - margin ||
+           p.y > static_cast<float>(screen->h) - margin;
+}
+
+void show_form(FormWidget* form) {
+    if (form) form->show();
+}
+
 void mouse_down(const SDL_MouseButtonEvent& button) {
-    if (button.button == SDL_BUTTON_LEFT && DoubleClickDetected(SDL_GetTicks())) {
+    const pointf p(button.x, button.y);
+    if (button.button == SDL_BUTTON_LEFT && DoubleClickDetected(SDL_GetTicks()) &&
+        !gui.hittest(p)) {
         set_fullscreen(get_fullscreen() ? 0 : 1);
         return;
     }
+    // A second button must not take what the first one drags.
+    if (held_button) return;
+    held_button = button.button;
+    const bool pressed = gui.mousedown(p, held_button);
+    // A click without the least movement works, too.
+    const bool moved = gui.mousemove(p, held_button);
+    if (pressed || moved) return;
+    if (near_edge(p)) {
+        show_form(formMenu);
+        show_form(formTransportBar);
+    }
     SDL_ShowCursor(SDL_ENABLE);
+}
+
+void mouse_up(const SDL_MouseButtonEvent& button) {
+    if (button.button != held_button) return;
+    gui.mouseup({static_cast<float>(button.x), static_cast<float>(button.y)}, held_button);
+    held_button = 0;
 }
 
 void resize(int width, int height) {
@@ -47,6 +80,7 @@ void end_of_stream(VideoState* is) {
         stream_seek(is, 0, 0);
     } else if (!is->paused) {
         stream_pause(is);
+        if (!formMediaBrowser.IsNull()) formMediaBrowser->play_next();
     }
 }
 
@@ -74,6 +108,13 @@ bool handle_event(const SDL_Event& event) {
             break;
         case SDL_MOUSEBUTTONDOWN:
             mouse_down(event.button);
+            break;
+        case SDL_MOUSEBUTTONUP:
+            mouse_up(event.button);
+            break;
+        case SDL_MOUSEMOTION:
+            gui.mousemove({static_cast<float>(event.motion.x), static_cast<float>(event.motion.y)},
+                          held_button);
             break;
         case SDL_QUIT:
         case event_quit:

@@ -3,6 +3,7 @@
 
 #include "core/settings.h"
 #include "core/text.h"
+#include "gui/forms.h"
 #include "platform/window.h"
 #include "player/clocks.h"
 #include "player/infolabel.h"
@@ -87,6 +88,17 @@ void film_command(VideoState* is, SDLKey key) {
     }
 }
 
+// The form shows what a key has changed.
+void refresh_settings_form() {
+    if (!formVideoSettings.IsNull()) formVideoSettings->invalidate();
+}
+
+void toggle_form(FormWidget* form) {
+    if (!form) return;
+    form->reset_scaling_center();
+    form->toggle();
+}
+
 void scan(VideoState* is, void (*start)(VideoState*)) {
     if (!is) return;
     start(is);
@@ -126,6 +138,7 @@ void key_down(VideoState* is, const SDL_keysym& key) {
         case SDLK_v:
         case SDLK_i:
             film_command(is, key.sym);
+            refresh_settings_form();
             break;
         case SDLK_SPACE:
             if (is) stream_pause(is);
@@ -147,6 +160,18 @@ void key_down(VideoState* is, const SDL_keysym& key) {
             break;
         case SDLK_KP_PLUS:
             change_speed(is, key, 1);
+            break;
+        case SDLK_F1:
+            if (!formMediaBrowser.IsNull()) formMediaBrowser->toggle();
+            break;
+        case SDLK_F2:
+            toggle_form(formVideoSettings);
+            break;
+        case SDLK_F3:
+            toggle_form(formAudioSettings);
+            break;
+        case SDLK_F4:
+            toggle_form(formVideoAdvancedSettings);
             break;
         case SDLK_F12:
             set_fullscreen(get_fullscreen() ? 0 : 1);

@@ -5,15 +5,21 @@
 #include "gpu/gl_context.h"
 #include "gpu/gl_texture.h"
 #include "gpu/video_display.h"
+#include "gui/forms.h"
+#include "gui/gl_font.h"
 #include "gui/screen.h"
 #include "media/capture_formats.h"
+#include "media/thumbnail_database.h"
 #include "platform/display_loss.h"
 #include "platform/threads.h"
 #include "platform/window.h"
+#include "player/clocks.h"
+#include "player/engine_control.h"
 #include "player/event_loop.h"
 #include "player/infolabel.h"
 #include "player/refresh_timer.h"
 #include "player/stream.h"
+#include "player/video_refresh.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -68,10 +74,35 @@ void place_window(PlayVideoArgs* args) {
     }
 }
 
+// The forms that show themselves; the window's size places the menu.
+void make_first_forms() {
+    if (defaultStyle.IsNull()) defaultStyle = new WidgetStyle;
+    connect_forms();
+    formTransportBar = new FormTransportBar;
+    formMenu = new FormMenu;
+}
+
+void make_other_forms(const PlayVideoArgs& args) {
+    formVideoSettings = new FormVideoSettings;
+    formAudioSettings = new FormAudioSettings;
+    formVideoAdvancedSettings = new FormVideoAdvancedSettings;
+    formMediaBrowser = new FormMediaBrowser(args.filename);
+    file_chooser = formMediaBrowser;
+    gui.add(formVideoSettings);
+    gui.add(formAudioSettings);
+    gui.add(formVideoAdvancedSettings);
+    gui.add(formTransportBar);
+    gui.add(formMenu);
+    gui.add(formMediaBrowser);
+    if (args.filename[0] != '\0') formMediaBrowser->select(args.filename);
+    reshape(screen->w, screen->h);  // some are as wide as the window
+}
+
 bool open_window(PlayVideoArgs* args) {
     place_window(args);
     SDL_WM_SetCaption(args->title, "");
     load_icon();
+    make_first_forms();
     if (!set_video_mode(args->width, args->height)) {
         std::fputs("SDL: could not set video mode - exiting\n", stderr);
         return false;
@@ -143,10 +174,29 @@ bool open_first_file(const PlayVideoArgs& args) {
     return true;
 }
 
+// Forms follow the window.
+void place_forms() {
+    constexpr float margin = 10.0F;
+    if (!formMenu.IsNull()) {
+        formMenu->bounds.x = screenRectangle.x + margin;
+        formMenu->bounds.y = screenRectangle.y + margin;
+    }
+    for (const object_ref<WidgetBase>& child : gui.children) {
+        if (!child->hastype(WidgetTypes::form)) continue;
+        auto& form = static_cast<FormWidget&>(*child);
+        form.invalidate();
+        if (!form.full_width) continue;
+        form.bounds.x = screenRectangle.x;
+        form.bounds.w = screenRectangle.w;
+        form.on_size_changed();
+    }
+}
+
 }  // namespace
 
 void init() {
     init_gl_state();
+    create_default_font();
     set_vsync(1);
 }
 
@@ -155,8 +205,12 @@ void reshape(int width, int height) {
     reshape_gl(width, height);
     const auto w = static_cast<float>(width);
     const auto h = static_cast<float>(height);
-    const float scale = std::min(h / 600.0F, w / 800.0F);
+    const float scale = gui_scale(w, h);
+    gui.bounds = {-w / 2, -h / 2, w, h};
+    gui.scale = {scale, scale};
+    gui.offset = {w * 0.5F * scale, h * 0.5F * scale};
     screenRectangle = {-w / 2 / scale, -h / 2 / scale, w / scale, h / scale};
+    place_forms();
     display_refresh_rate = get_display_refresh_rate();
 }
 
@@ -184,6 +238,7 @@ int play_video(PlayVideoArgs* args) {
         SDL_Quit();  // gives the screen its own mode back
         return 1;
     }
+    start_frame_times(wall_clock());
     schedule_refresh(global_video_state, first_refresh_ms);
     if (args->show_banner) {
         std::puts(banner);
@@ -191,6 +246,9 @@ int play_video(PlayVideoArgs* args) {
         set_infolabel(banner);
     }
     apply_start_values(*args);
+    ThumbnailDatabase::Start();
+    make_other_forms(*args);
+    if (FormWidget::auto_hide_cursor && get_fullscreen()) SDL_ShowCursor(SDL_DISABLE);
     SDL_EventState(SDL_MOUSEMOTION, SDL_ENABLE);
     return run_event_loop();
 }
@@ -198,6 +256,7 @@ int play_video(PlayVideoArgs* args) {
 void do_exit() {
     close_all_streams();
     if (get_fullscreen()) set_fullscreen(0);
+    ThumbnailDatabase::Abort();
     hold_refreshes(true);
     SDL_Quit();
     hold_refreshes(false);

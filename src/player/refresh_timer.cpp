@@ -2,6 +2,7 @@
 #include "player/refresh_timer.h"
 
 #include "core/settings.h"
+#include "gui/widget_container.h"
 #include "platform/threads.h"
 
 #include <SDL.h>
@@ -83,7 +84,7 @@ int timer_interval(int ms) {
 }
 
 void schedule_refresh(VideoState* is, int ms) {
-    if (maximize_fps(is) && post_refresh()) return;
+    if ((maximize_fps(is) || gui.anyVisible()) && post_refresh()) return;
     schedule_refresh_later(is, ms);
 }
 

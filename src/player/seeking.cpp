@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "player/seeking.h"
 
+#include "media/subtitles.h"
 #include "player/clocks.h"
 #include "player/demux.h"
 
@@ -51,7 +52,7 @@ bool seek_file(VideoState* is, std::int64_t target, int flags, bool try_backward
     target = within_file(context, target);
     const AVStream* stream = stream_at(is, index);
     const std::int64_t timestamp =
-        stream ? av_rescale_q(target, AV_TIME_BASE_Q, stream->time_base) : target;
+        stream ? av_rescale_q(target, av_get_time_base_q(), stream->time_base) : target;
     if (av_seek_frame(context, index, timestamp, flags) >= 0) return true;
     return try_backwards && !(flags & AVSEEK_FLAG_BACKWARD) &&
            av_seek_frame(context, index, timestamp, flags | AVSEEK_FLAG_BACKWARD) >= 0;
@@ -63,7 +64,7 @@ bool carry_out_seek(VideoState* is) {
     const bool scanning = forward || backward;
     if (!is->seek_request && !scanning) return false;
     const AVStream* stream = stream_at(is, reference_stream(is));
-    const AVRational time_base = stream ? stream->time_base : AV_TIME_BASE_Q;
+    const AVRational time_base = stream ? stream->time_base : av_get_time_base_q();
     const std::int64_t current = timestamp_microseconds(global_video_pkt_pts, time_base);
 
     std::int64_t target = is->seek_position;
@@ -77,12 +78,15 @@ bool carry_out_seek(VideoState* is) {
     }
     target = within_file(is->format_context.get(), target);
 
+    is->seeking = true;
+    // Those of another film are none of this one's business.
+    if (is == global_video_state) subtitles.seek(static_cast<unsigned long>(target));
     const bool found = seek_file(is, target, flags, !forward);
     if (found) {
         restart_queues(is, target);
         // A scan through sound alone sees no new packets while the clock is paused.
         if (!scanning || is->video_stream_index < 0) {
-            global_video_pkt_pts = av_rescale_q(target, AV_TIME_BASE_Q, time_base);
+            global_video_pkt_pts = av_rescale_q(target, av_get_time_base_q(), time_base);
         }
     } else {
         std::fprintf(stderr, "%s: error while seeking\n", is->filename.c_str());
@@ -90,5 +94,6 @@ bool carry_out_seek(VideoState* is) {
         is->last_seek_failed = true;
     }
     is->seek_request = false;
+    is->seeking = false;
     return found;
 }

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "player/stream.h"
 
+#include "core/split_path.h"
 #include "gpu/display_geometry.h"
 #include "gpu/gl_context.h"
 #include "gpu/picture_upload.h"
 #include "gpu/texture_cache.h"
+#include "media/subtitles.h"
 #include "player/clocks.h"
 #include "player/demux.h"
-#include "player/split_path.h"
 
 #include <algorithm>
 #include <deque>
@@ -145,6 +146,7 @@ VideoState* stream_open(const char* name, const char* title, const AVInputFormat
     flush_packet();
     if (is->preload) stream_pause(is);  // until it is read
     set_caption(name, title);
+    subtitles.load(name);
     reset_video_scaling_animation();
     global_video_pkt_pts = AV_NOPTS_VALUE;
 

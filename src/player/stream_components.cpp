@@ -37,6 +37,7 @@ StreamInfo video_stream_info(const AVStream* stream, const AVCodecContext* codec
     info.height = codec->height;
     info.frame_rate = average_frame_rate(stream, codec);
     info.bit_rate = codec->bit_rate;
+    info.time_base = stream->time_base;
     return info;
 }
 

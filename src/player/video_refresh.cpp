@@ -2,6 +2,9 @@
 #include "player/video_refresh.h"
 
 #include "core/settings.h"
+#include "gpu/video_display.h"
+#include "gui/forms.h"
+#include "platform/window.h"
 #include "player/clocks.h"
 #include "player/display.h"
 #include "player/refresh_plan.h"
@@ -19,6 +22,7 @@ constexpr int audio_only_ms = 50;
 constexpr int camera_ms = 10;
 
 double video_fps = 0.0;
+bool gui_runs_freely = false;  // a form was visible when this refresh began
 
 int queued_pictures(VideoState* is) {
     const MutexLock lock(is->picture_queue_mutex);
@@ -35,11 +39,31 @@ void keep_shown_picture(VideoState* is) {
     is->shown_picture = released;
 }
 
+// What lies over a picture, without one.
+void show_interface(VideoState* is) {
+    clear_window(screen->w, screen->h);
+    if (!video_suppressed()) hud_display(is);
+    gui_display();
+}
+
 void show(VideoState* is) {
     if (video_suppressed()) {
-        gui_display();
-    } else {
+        show_interface(is);
+    } else if (!is) {
+        video_nosignal_display();
+    } else if (is->video_stream_index >= 0) {
         video_display(is);
+    } else {
+        audio_display(is);
+    }
+}
+
+// A form that is open moves as fast as it can be drawn.
+void refresh_again(VideoState* is, int ms) {
+    if (gui.anyVisible()) {
+        schedule_refresh(is, ms);
+    } else {
+        schedule_refresh_later(is, ms);
     }
 }
 
@@ -50,7 +74,7 @@ VideoPicture& head(VideoState* is) {
 // The newest picture of a live source, as soon as possible.
 void refresh_camera(VideoState* is, int queued) {
     if (queued > 1) release_picture(is);
-    schedule_refresh_later(is, camera_ms);
+    refresh_again(is, camera_ms);
     // The picture itself, not one between it and the one before.
     is->clocks.subframe_counter = master_settings.temporal_upscaling_factor.toInt() + 1;
     is->clocks.interpolation_phase = 0.0F;
@@ -63,7 +87,7 @@ RefreshInput refresh_input(VideoState* is, const VideoPicture& pic) {
     in.now = static_cast<double>(wall_clock()) / 1000000.0;
     in.speed = playback_speeds[static_cast<std::size_t>(is->playback_speed_index)];
     in.n = master_settings.temporal_upscaling_factor.toInt() + 1;
-    in.free_running = maximize_fps(is);
+    in.free_running = maximize_fps(is) || gui_runs_freely;
     in.follows = (is->sync_source == sync_audio && is->audio_stream_index >= 0) ||
                  is->sync_source == sync_external;
     in.difference = in.follows ? pic.pts - get_master_clock(is) : 0.0;
@@ -102,7 +126,7 @@ bool refresh_picture(VideoState* is, int queued) {
 void refresh_video(VideoState* is) {
     const bool scanning = is->rewind || is->fast_forward;
     if (is->paused && !scanning) {
-        schedule_refresh_later(is, idle_ms);
+        refresh_again(is, idle_ms);
         show(is);
         return;
     }
@@ -111,7 +135,7 @@ void refresh_video(VideoState* is) {
         if (queued == 0) {
             is->starved = true;
             show(is);
-            schedule_refresh_later(is, idle_ms);
+            refresh_again(is, idle_ms);
             return;
         }
         if (!scanning && head(is).seeks != is->seeks_done) {
@@ -127,6 +151,14 @@ void refresh_video(VideoState* is) {
 }
 
 }  // namespace
+
+void start_frame_times(std::int64_t now) {
+    constexpr std::int64_t interval = 40000;
+    constexpr double intervals_per_second = 25.0;
+    for (std::int64_t age = timestamp_ring_size - 1; age >= 0; --age)
+        note_frame_shown(now - age * interval);
+    video_fps = intervals_per_second;
+}
 
 void note_frame_shown(std::int64_t now) {
     lastframe_timestamp[lastframe_timestamp_qi] = now;
@@ -146,7 +178,8 @@ double video_estimate_fps() {
 }
 
 bool video_suppressed() {
-    return false;
+    return !formMediaBrowser.IsNull() && formMediaBrowser->visible &&
+           !formMediaBrowser->is_animating();
 }
 
 void release_picture(VideoState* is) {
@@ -159,8 +192,10 @@ void release_picture(VideoState* is) {
 }
 
 void video_refresh_timer(VideoState* is) {
+    gui_runs_freely = gui.anyVisible();
+    gui.tick(-1.0);
     if (!is) {
-        video_nosignal_display();
+        show(nullptr);
         schedule_refresh(nullptr, idle_ms);
         return;
     }
@@ -170,8 +205,10 @@ void video_refresh_timer(VideoState* is) {
     }
     if (is->audio_stream_index >= 0) {
         schedule_refresh(is, audio_only_ms);
-        audio_display(is);
+        show(is);
         return;
     }
     schedule_refresh(is, idle_ms);
+    // The file is still being opened: what was there stays, but forms move.
+    if (gui_runs_freely) show_interface(is);
 }

@@ -11,6 +11,10 @@ inline constexpr int timestamp_ring_size = 32;
 extern std::int64_t lastframe_timestamp[timestamp_ring_size];
 extern int lastframe_timestamp_qi;
 
+/// Fills the ring as if pictures had been shown regularly until `now`: the estimate has something
+/// to start from.
+void start_frame_times(std::int64_t now);
+
 /// Notes that a picture is being shown at `now`.
 void note_frame_shown(std::int64_t now);
 

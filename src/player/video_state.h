@@ -32,6 +32,7 @@ struct StreamInfo {
     double frame_rate = 0.0;  ///< average, pictures per second
     std::int64_t bit_rate = 0;
     int channels = 0;
+    AVRational time_base{0, 1};  ///< of its time stamps
 };
 
 /// Refresh timing of the open film. [main], seconds unless said otherwise.
@@ -74,6 +75,7 @@ struct VideoState {
     std::atomic<bool> seek_request{false};
     std::atomic<int> seek_flags{0};
     std::atomic<std::int64_t> seek_position{0};  ///< microseconds
+    std::atomic<bool> seeking{false};            ///< [demux] is at it
 
     // Sound.
     AVStream* audio_stream = nullptr;  ///< owned by format_context

@@ -98,9 +98,8 @@ class Playback(PlayerTestCase):
     def test_no_file_opens_an_empty_window(self):
         player = self.start()
         self.assertEqual(player.title(), "VYX Video Player")
-        time.sleep(0.5)
-        picture = player.look()
-        self.assertEqual(picture.pixel(400, 300)[0], 5)
+        player.look_until(lambda shot: 80 < shot.pixel(400, 300)[2] < 140 and shot.pixel(400, 20) == (5, 5, 5),
+                          "a blue field")
         self.assertEqual(player.quit(), 0)
 
     def test_bad_files_leave_the_player_running(self):

@@ -55,15 +55,17 @@ class StartUp(PlayerTestCase):
         self.assertRegex(player.output(),
                          r"(?m)^OPENGL VENDOR = .+\nOPENGL RENDERER = .+\nOPENGL VERSION = .+\n"
                          r"VYX Player v1\.01\nHigh quality media player\n")
-        # A larger window is as dark as the first.
+        # A larger window shows the same as the first: a blue field between dark edges.
         player.xdotool("windowsize", "--sync", player.window(), 1000, 700)
         wait_for(lambda: player.geometry()[2:] == (1000, 700), 5, "the new size")
 
-        def dark(shot):
-            corners = ((5, 5), (995, 5), (5, 695), (995, 695), (900, 300), (500, 650))
-            return all(shot.pixel(x, y) == (5, 5, 5) for x, y in corners)
+        def empty(shot):
+            edges = ((5, 5), (995, 5), (5, 695), (995, 695), (500, 650))
+            field = ((2, 120), (997, 120), (900, 300), (500, 580))
+            return (all(shot.pixel(x, y) == (5, 5, 5) for x, y in edges)
+                    and all(80 < shot.pixel(x, y)[2] < 140 for x, y in field))
 
-        player.look_until(dark, "a dark window")
+        player.look_until(empty, "a window without a film")
         self.assertEqual(player.quit(), 0)
 
     def test_preloading_can_be_ended(self):

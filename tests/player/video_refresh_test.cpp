@@ -98,18 +98,45 @@ class VideoRefreshTest : public PlayerTest {
     bool pending_ = false;
 };
 
-TEST_F(VideoRefreshTest, WithoutAFilmTheEmptyWindowIsDrawnEvery25Milliseconds) {
+TEST_F(VideoRefreshTest, WithoutAFilmTheAnimationIsDrawnEvery25Milliseconds) {
     glClearColor(1, 1, 1, 1);
     glClear(GL_COLOR_BUFFER_BIT);
     const int shown = lastframe_timestamp_qi;
     const auto start = Clock::now();
     refresh(nullptr);
     EXPECT_EQ(lastframe_timestamp_qi, (shown + 1) % timestamp_ring_size) << "drawn once";
-    EXPECT_EQ(middle(), 5);
+    EXPECT_GT(window().at(window_width / 2, window_height / 2).b, 0.3F) << "blue";
+    EXPECT_NEAR(window().at(0, 0).b, 0.02F, 0.002F) << "dark";
     const double passed = await_refresh(start);
     pending_ = false;
     EXPECT_GE(passed, 24.9);
     EXPECT_LT(passed, 5000.0);
+}
+
+TEST_F(VideoRefreshTest, SoundAloneIsDrawnEvery50Milliseconds) {
+    is_.video_stream_index = -1;
+    is_.audio_stream_index = 0;
+    for (int round = 0; round < 2; ++round) {
+        const int shown = lastframe_timestamp_qi;
+        const auto start = Clock::now();
+        refresh(&is_);
+        EXPECT_EQ(lastframe_timestamp_qi, (shown + 1) % timestamp_ring_size) << "drawn once";
+        EXPECT_EQ(is_.output_texture->width(), 600) << "the waveforms";
+        const double passed = await_refresh(start);
+        pending_ = false;
+        EXPECT_GE(passed, 49.9);
+        EXPECT_LT(passed, 5000.0);
+    }
+}
+
+TEST_F(VideoRefreshTest, StreamsThatAreNotThereYetAreLookedForEvery25Milliseconds) {
+    is_.video_stream_index = -1;
+    const int shown = lastframe_timestamp_qi;
+    const auto start = Clock::now();
+    refresh(&is_);
+    EXPECT_EQ(lastframe_timestamp_qi, shown) << "nothing is drawn";
+    EXPECT_GE(await_refresh(start), 24.9);
+    pending_ = false;
 }
 
 TEST_F(VideoRefreshTest, CameraShowsItsNewestPictures) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "player/split_path.h"
+#include "core/split_path.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+// What the forms cost: drawing one anew after a change, and drawing it again from its list.
+//
+//     bench_forms
+//
+// In a window of 800x600. "Call" is the processor time that the main thread spends in the drawing
+// calls; "drawn" is the time until the picture is there. Medians of several hundred rounds. What it
+// leaves out: the picture below, and the swap of buffers.
+
+#include "gpu/gl_context.h"
+#include "gui/gl_font.h"
+#include "platform/window.h"
+
+#include "gui/forms_rig.h"
+
+#include <GL/glew.h>
+#include <time.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int rounds = 400;
+
+double ms_since(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// Of this thread alone.
+double processor_ms() {
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) / 1e6;
+}
+
+double median(std::vector<double> values) {
+    std::nth_element(values.begin(), values.begin() + rounds / 2, values.end());
+    return values[rounds / 2];
+}
+
+struct Cost {
+    double call;
+    double drawn;
+};
+
+Cost measure(const FormsRig& rig, FormWidget& form, bool anew) {
+    std::vector<double> call;
+    std::vector<double> drawn;
+    for (int i = 0; i < rounds; ++i) {
+        glClear(GL_COLOR_BUFFER_BIT);
+        glFinish();
+        if (anew) form.invalidate();
+        const Clock::time_point start = Clock::now();
+        const double before = processor_ms();
+        rig.draw();
+        call.push_back(processor_ms() - before);
+        glFinish();
+        drawn.push_back(ms_since(start));
+    }
+    return {median(call), median(drawn)};
+}
+
+void report(FormsRig& rig, FormWidget& form) {
+    for (const object_ref<WidgetBase>& child : gui.children)
+        child->visible = false;
+    rig.open(form);
+    const Cost recorded = measure(rig, form, true);
+    const Cost replayed = measure(rig, form, false);
+    std::printf("%-20s %9.3f %9.3f %9.3f %9.3f\n", form.title.c_str(), recorded.call,
+                recorded.drawn, replayed.call, replayed.drawn);
+}
+
+}  // namespace
+
+int main() {
+    if (SDL_Init(SDL_INIT_VIDEO) != 0 || !set_video_mode(800, 600) || !load_gl()) {
+        std::fprintf(stderr, "No window: %s\n", SDL_GetError());
+        return 1;
+    }
+    init_gl_state();
+    reshape_gl(800, 600);
+    create_default_font();
+    {
+        FormsRig rig;
+        rig.player.duration_ = 100;
+        std::printf("%-20s %19s %19s\n", "", "anew, ms", "again, ms");
+        std::printf("%-20s %9s %9s %9s %9s\n", "form", "call", "drawn", "call", "drawn");
+        report(rig, *formVideoSettings);
+        report(rig, *formAudioSettings);
+        report(rig, *formVideoAdvancedSettings);
+        FormsRig::mouse = FormsRig::place(*formTransportBar->position);
+        report(rig, *formTransportBar);
+        report(rig, *formMenu);
+    }
+    SDL_Quit();
+    return 0;
+}

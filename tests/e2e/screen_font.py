@@ -1,0 +1,86 @@
+# SPDX-License-Identifier: MIT
+"""Reads the player's text in pictures of its window, with the player's own font file."""
+
+import os
+import struct
+
+FONT_FILE = os.path.join(os.path.dirname(__file__), "..", "..", "src", "gui", "default_font.glf")
+
+
+class Glyph:
+    """How much of each pixel a character covers at scale 1, rows from the top."""
+
+    def __init__(self, record, texels, width, height):
+        w, h, left, top, right, bottom = record
+        self.width, self.height = round(w * width), round(h * height)
+        first = round(left * width)
+        # A row is left out at the top and the bottom; the rest is spread over the whole height.
+        top, bottom = top * height + 1, bottom * height - 1
+        self.rows = []
+        for row in range(self.height):
+            at = top + (bottom - top) * (row + 0.5) / self.height - 0.5
+            upper, part = int(at // 1), at % 1
+            self.rows.append([
+                (1 - part) * texels[upper * width + first + x] + part * texels[(upper + 1) * width + first + x]
+                for x in range(self.width)])  # fmt: skip
+
+
+class ScreenFont:
+    def __init__(self):
+        with open(FONT_FILE, "rb") as file:
+            data = file.read()
+        _, width, height, self.first, last = struct.unpack_from("<5i", data)
+        count = last - self.first + 1
+        start = 24 + 24 * count
+        texels = [value / 255 for value in data[start : start + 2 * width * height : 2]]
+        self.glyphs = {
+            chr(self.first + i): Glyph(struct.unpack_from("<6f", data, 24 + 24 * i), texels, width, height)
+            for i in range(count)}  # fmt: skip
+        self.line_height = self.glyphs["A"].height
+
+    def width(self, text):
+        return sum(self.glyphs[c].width for c in text)
+
+    def shows(self, picture, text, x, y):
+        """How much of the text's strokes is white in the picture, 0 to 1. (x, y) is the lower left corner
+        of the text."""
+        white = strokes = 0
+        for c in text:
+            glyph = self.glyphs[c]
+            for row, values in enumerate(glyph.rows):
+                for column, coverage in enumerate(values):
+                    if coverage < 0.9:
+                        continue
+                    strokes += 1
+                    white += min(picture.pixel(x + column, y - glyph.height + row)) > 190
+            x += glyph.width
+        return white / strokes
+
+    def shows_centred(self, picture, text, line=0):
+        """The same for a line of a subtitle in a window of 800 x 600."""
+        x = (picture.width - self.width(text)) // 2
+        return self.shows(picture, text, x, picture.height - 80 + line * self.line_height)
+
+    def read_right_aligned(self, picture, right, y, alphabet, background=5):
+        """The opaque text over a plain background that ends at `right`, with its lower edge at `y`."""
+        rows = [picture.data[row * picture.width * 3 : (row + 1) * picture.width * 3 : 3]
+                for row in range(y - self.line_height, y)]  # fmt: skip
+        wanted = {c: [[255 * part * part + background * (1 - part) for part in row] for row in self.glyphs[c].rows]
+                  for c in alphabet}  # fmt: skip
+        text = ""
+        while not text.startswith("   "):
+            best = min((self._difference(rows, wanted[c], right - self.glyphs[c].width), c)
+                       for c in alphabet if self.glyphs[c].width <= right)
+            if best[0] > 6:
+                break
+            text = best[1] + text
+            right -= self.glyphs[best[1]].width
+        return text.strip()
+
+    @staticmethod
+    def _difference(rows, wanted, x):
+        """Mean difference of pixels from those wanted; of two that fit alike the wider one is better."""
+        width = len(wanted[0])
+        total = sum(abs(found - value) for row, values in zip(rows, wanted)
+                    for found, value in zip(row[x : x + width], values))  # fmt: skip
+        return total / (width * len(wanted)) - 0.01 * width

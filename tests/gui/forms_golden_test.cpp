@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#include "core/settings.h"
+#include "gui/gl_font.h"
+
+#include "gui/forms_picture.h"
+#include "gui/forms_rig.h"
+#include "gui/golden_picture.h"
+#include "support/gl_fixture.h"
+
+#include <GL/glew.h>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+constexpr int width = 800;
+constexpr int height = 600;
+
+// Measured 0 and 0.0.
+constexpr PictureLimits limits{3, 0.05};
+
+class FormPictures : public GlTest {
+  protected:
+    void SetUp() override {
+        GlTest::SetUp();
+        // Lines on the border of two pixels light either of them: with softpipe the largest
+        // difference is 241 and the mean 6.1, all of it beside such lines.
+        const std::string driver = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+        if (driver.find("llvmpipe") == std::string::npos) GTEST_SKIP() << "drawn by " << driver;
+        create_default_font();
+    }
+
+    // The window around a form, with some room for what stands out of it.
+    PngPicture picture_of(const FormWidget& form) {
+        constexpr float room = 50.0F;
+        const pointf origin = FormsRig::in_window(form, {-room, -room});
+        const float left = std::max(0.0F, origin.x);
+        const float top = std::max(0.0F, origin.y);
+        const rectf area(left, top, std::min(form.bounds.w + 2 * room, width - left),
+                         std::min(form.bounds.h + 2 * room, height - top));
+        return drawn_picture(width, height, area, [this] { rig_.draw(); });
+    }
+
+    FormsRig rig_{width, height};
+};
+
+TEST_F(FormPictures, VideoSettings) {
+    rig_.player.width = 1920;
+    rig_.player.height = 1080;
+    rig_.player.largest_texture_ = 4096;
+    rig_.open(*formVideoSettings);
+    expect_golden("video_settings", picture_of(*formVideoSettings), limits);
+}
+
+TEST_F(FormPictures, VideoSettingsBetweenTwoOptions) {
+    rig_.open(*formVideoSettings);
+    master_settings.temporal_upscaling_factor.setValue(1.5F);
+    master_settings.brightness.setValue(0.25F);
+    rig_.press(FormsRig::place(*FormsRig::button(*formVideoSettings, "Advanced")));
+    expect_golden("video_settings_moving", picture_of(*formVideoSettings), limits);
+    rig_.move({10, 10});
+    rig_.release();
+}
+
+TEST_F(FormPictures, HalfShownFormZoomsAboutItsButton) {
+    rig_.move(FormsRig::in_window(*formMenu, {2, 2}));
+    rig_.advance(0.5);
+    rig_.click(*formMenu->buttons[FormMenu::audio]);
+    rig_.advance(0.25);
+    expect_golden("audio_settings_zooming",
+                  drawn_picture(width, height, {0, 0, 500, 450}, [this] { rig_.draw(); }), limits);
+}
+
+TEST_F(FormPictures, AudioSettings) {
+    master_settings.eq_low.setValue(-12.5F);
+    master_settings.audio_latency.setValue(0.25F);
+    rig_.open(*formAudioSettings);
+    expect_golden("audio_settings", picture_of(*formAudioSettings), limits);
+}
+
+TEST_F(FormPictures, VideoAdvancedSettings) {
+    rig_.open(*formVideoAdvancedSettings);
+    expect_golden("video_advanced_settings", picture_of(*formVideoAdvancedSettings), limits);
+}
+
+TEST_F(FormPictures, TransportBarPlayingWithItsPosition) {
+    rig_.player.duration_ = 100;
+    rig_.player.position_ = 40;
+    rig_.move(FormsRig::place(*formTransportBar->position));
+    rig_.advance(0.5);
+    expect_golden("transport_bar_playing", picture_of(*formTransportBar), limits);
+}
+
+TEST_F(FormPictures, TransportBarPausedWithItsVolume) {
+    rig_.player.paused = true;
+    rig_.move(FormsRig::place(*formTransportBar->volume));
+    rig_.advance(0.5);
+    expect_golden("transport_bar_paused", picture_of(*formTransportBar), limits);
+}
+
+TEST_F(FormPictures, Menu) {
+    rig_.move(FormsRig::in_window(*formMenu, {2, 2}));
+    rig_.advance(0.5);
+    expect_golden("menu", picture_of(*formMenu), limits);
+}
+
+TEST_F(FormPictures, MenuInFullScreenInMotion) {
+    rig_.player.fullscreen = true;
+    rig_.move(FormsRig::in_window(*formMenu, {2, 2}));
+    rig_.advance(0.5);
+    formMenu->phases = {1.5F, 15, 2, 0.5F};
+    expect_golden("menu_moving", picture_of(*formMenu), limits);
+}
+
+}  // namespace
