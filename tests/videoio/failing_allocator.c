@@ -1,10 +1,11 @@
 /* SPDX-License-Identifier: MIT */
-/* Memory that runs out: loaded before a program, it makes allocations fail once the program says so.
+/* Memory that runs out: loaded before a program, it makes allocations fail once the program says
+   so.
 
    fail_allocations(n, whose) makes every n-th one fail from now on, of all threads together; 0 ends
-   that. `whose` is 0 for those that libvyxvideo.so asks for, itself or through the C++ library or as
-   an object of FFmpeg's, and 1 for every allocation of the process. failed_allocations() tells how
-   many did. With OBJECTS_ONLY nothing but objects of FFmpeg's fails. */
+   that. `whose` is 0 for those that libvyxvideo.so asks for, itself or through the C++ library or
+   as an object of FFmpeg's, and 1 for every allocation of the process. failed_allocations() tells
+   how many did. With OBJECTS_ONLY nothing but objects of FFmpeg's fails. */
 
 #define _GNU_SOURCE
 #include <dlfcn.h>
@@ -60,7 +61,9 @@ void fail_allocations(unsigned every, int whose) {
     every_nth = every;
 }
 
-unsigned failed_allocations(void) { return failed; }
+unsigned failed_allocations(void) {
+    return failed;
+}
 
 static int runs_out_for(const void* caller, int cpp_too) {
     const unsigned every = every_nth;
@@ -76,8 +79,8 @@ static int runs_out_for(const void* caller, int cpp_too) {
 #ifndef OBJECTS_ONLY
 
 /* The next library's function of this name, looked up at the first call. */
-#define NEXT(type, name, ...)                                          \
-    static type (*next)(__VA_ARGS__);                                  \
+#define NEXT(type, name, ...)         \
+    static type (*next)(__VA_ARGS__); \
     if (!next) next = (type(*)(__VA_ARGS__))dlsym(RTLD_NEXT, #name)
 
 /* Looking up a function can allocate: from here, and never freed. */
@@ -137,21 +140,21 @@ void free(void* memory) {
 #endif
 
 /* Objects of FFmpeg's that the library asks for. */
-#define OBJECT(type, name, parameters, arguments)                                       \
-    type name parameters;                                                               \
-    type name parameters {                                                              \
-        static type(*next) parameters;                                                  \
-        if (!next) next = (type(*) parameters)dlsym(RTLD_NEXT, #name);                  \
-        if (!of_all && runs_out_for(__builtin_return_address(0), 0)) return 0;          \
-        return next arguments;                                                          \
+#define OBJECT(type, name, parameters, arguments)                              \
+    type name parameters;                                                      \
+    type name parameters {                                                     \
+        static type(*next) parameters;                                         \
+        if (!next) next = (type(*) parameters)dlsym(RTLD_NEXT, #name);         \
+        if (!of_all && runs_out_for(__builtin_return_address(0), 0)) return 0; \
+        return next arguments;                                                 \
     }
-#define STEP(name, parameters, arguments)                                               \
-    int name parameters;                                                                \
-    int name parameters {                                                               \
-        static int(*next) parameters;                                                   \
-        if (!next) next = (int (*) parameters)dlsym(RTLD_NEXT, #name);                  \
-        if (!of_all && runs_out_for(__builtin_return_address(0), 0)) return -ENOMEM;    \
-        return next arguments;                                                          \
+#define STEP(name, parameters, arguments)                                            \
+    int name parameters;                                                             \
+    int name parameters {                                                            \
+        static int(*next) parameters;                                                \
+        if (!next) next = (int(*) parameters)dlsym(RTLD_NEXT, #name);                \
+        if (!of_all && runs_out_for(__builtin_return_address(0), 0)) return -ENOMEM; \
+        return next arguments;                                                       \
     }
 
 OBJECT(void*, av_frame_alloc, (void), ())
@@ -159,7 +162,8 @@ OBJECT(void*, av_packet_alloc, (void), ())
 OBJECT(void*, avcodec_alloc_context3, (const void* codec), (codec))
 OBJECT(void*, avformat_new_stream, (void* container, const void* codec), (container, codec))
 OBJECT(void*, sws_getContext,
-       (int w, int h, int from, int to_w, int to_h, int to, int flags, void* a, void* b, const double* c),
+       (int w, int h, int from, int to_w, int to_h, int to, int flags, void* a, void* b,
+        const double* c),
        (w, h, from, to_w, to_h, to, flags, a, b, c))
 STEP(avformat_open_input, (void** out, const char* name, const void* format, void** options),
      (out, name, format, options))

@@ -1,8 +1,8 @@
 /* SPDX-License-Identifier: MIT */
 /* out_of_memory FOLDER N WHOSE [FILM...]: reads and writes films while every N-th allocation fails,
    of the interface's own (WHOSE is 0) or of the whole process (1), and does the same once more with
-   memory. In the whole process only uncompressed films are written: FFmpeg 5.1 itself does not survive
-   every failure. Run with the allocator that can fail loaded before it.
+   memory. In the whole process only uncompressed films are written: FFmpeg 5.1 itself does not
+   survive every failure. Run with the allocator that can fail loaded before it.
 
    Prints the number of failed allocations and what the interface said. Status 0 when every failure
    came with a message and everything works afterwards. */
@@ -103,7 +103,8 @@ static int write_frames(void) {
 
 /* Frames read and written. */
 static int work(const char* folder, int outputs_used, int films, char** names) {
-    static const char* const outputs[][2] = {{"raw.avi", "avi"}, {"mpeg4.avi", "mpeg4"}, {"film.apng", "apng"}};
+    static const char* const outputs[][2] = {
+        {"raw.avi", "avi"}, {"mpeg4.avi", "mpeg4"}, {"film.apng", "apng"}};
     int frames = 0;
     int count = 0;
     for (int i = 0; i < films; ++i) {

@@ -28,7 +28,8 @@ class OutOfMemory(unittest.TestCase):
 
     def test_the_interfaces_own(self):
         frames = [self.check(every, 0, ["h264.mp4", "mjpeg.avi"]) for every in (*range(1, 31), 37, 53, 71, 97, 151)]
-        self.assertEqual(frames[0], 0, "every single one fails")
+        # Uncompressed films do without FFmpeg, whose objects alone fail under sanitizers.
+        self.assertEqual(frames[0], 8 if SANITIZED else 0, "every single one fails")
         self.assertGreater(frames[-1], 30, "most do not")
 
     @unittest.skipIf(SANITIZED, "sanitizers have an allocator of their own")
