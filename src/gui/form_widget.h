@@ -26,6 +26,8 @@ class FormWidget : public WidgetContainer {
     bool overlaps_with(const WidgetBase* other) const;
     /// From now on the form zooms from and into the parent's origin.
     void reset_scaling_center();
+    /// Back into the screen, after that became smaller.
+    void keep_inside();
 
     void draw() override;
     bool mousedown(pointf p, int button) override;

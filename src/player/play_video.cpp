@@ -185,6 +185,7 @@ void place_forms() {
         if (!child->hastype(WidgetTypes::form)) continue;
         auto& form = static_cast<FormWidget&>(*child);
         form.invalidate();
+        if (form.has_title_bar) form.keep_inside();  // it may have been dragged to an edge
         if (!form.full_width) continue;
         form.bounds.x = screenRectangle.x;
         form.bounds.w = screenRectangle.w;
