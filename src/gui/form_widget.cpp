@@ -148,6 +148,14 @@ bool FormWidget::mouseup(pointf p, int button) {
     return used;
 }
 
+void FormWidget::keep_inside() {
+    const pointf before(bounds);
+    move_to(before);
+    if (bounds.x == before.x && bounds.y == before.y) return;
+    reset_scaling_center();
+    dirty = true;
+}
+
 // Where the form is larger than the screen, the left and top edges win.
 void FormWidget::move_to(pointf origin) {
     const rectf& screen = screenRectangle;

@@ -26,8 +26,8 @@ class FormWidget : public WidgetContainer {
     bool overlaps_with(const WidgetBase* other) const;
     /// From now on the form zooms from and into the parent's origin.
     void reset_scaling_center();
-    /// Puts the form there, or as near as it fits on the screen.
-    void move_to(pointf origin);
+    /// Back into the screen, after that became smaller.
+    void keep_inside();
 
     void draw() override;
     bool mousedown(pointf p, int button) override;
@@ -71,6 +71,7 @@ class FormWidget : public WidgetContainer {
     void draw_children();
 
   private:
+    void move_to(pointf origin);
     void draw_frame();
     void draw_title();
     void hide_forms_in_the_way();

@@ -185,13 +185,11 @@ void place_forms() {
         if (!child->hastype(WidgetTypes::form)) continue;
         auto& form = static_cast<FormWidget&>(*child);
         form.invalidate();
-        if (form.full_width) {
-            form.bounds.x = screenRectangle.x;
-            form.bounds.w = screenRectangle.w;
-            form.on_size_changed();
-        } else if (!form.auto_hide) {
-            form.move_to(form.bounds);  // it may have been dragged to where there is no window now
-        }
+        if (form.has_title_bar) form.keep_inside();  // it may have been dragged to an edge
+        if (!form.full_width) continue;
+        form.bounds.x = screenRectangle.x;
+        form.bounds.w = screenRectangle.w;
+        form.on_size_changed();
     }
 }
 

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Reads the player's text in pictures of its window, with the player's own font file."""
 
+import math
 import os
 import struct
 
@@ -16,6 +17,7 @@ class Glyph:
         first = round(left * width)
         # A row is left out at the top and the bottom; the rest is spread over the whole height.
         top, bottom = top * height + 1, bottom * height - 1
+        self.top, self.bottom, self.first = top, bottom, first
         self.rows = []
         for row in range(self.height):
             at = top + (bottom - top) * (row + 0.5) / self.height - 0.5
@@ -33,6 +35,7 @@ class ScreenFont:
         count = last - self.first + 1
         start = 24 + 24 * count
         texels = [value / 255 for value in data[start : start + 2 * width * height : 2]]
+        self.texels, self.atlas_width = texels, width
         self.glyphs = {
             chr(self.first + i): Glyph(struct.unpack_from("<6f", data, 24 + 24 * i), texels, width, height)
             for i in range(count)}  # fmt: skip
@@ -76,6 +79,64 @@ class ScreenFont:
             text = best[1] + text
             right -= self.glyphs[best[1]].width
         return text.strip()
+
+    def covered(self, text, x, y, scale):
+        """How much of each pixel a text covers, {(x, y): 0 to 1}, that widgets draw with its lower left corner
+        at (x, y). Widgets are half a pixel further right and down than the numbers say."""
+        pixels = {}
+        for c in text:
+            glyph = self.glyphs[c]
+            width, height = glyph.width * scale, glyph.height * scale
+            for py in range(math.ceil(y - height), math.ceil(y)):
+                for px in range(math.ceil(x), math.ceil(x + width)):
+                    v = glyph.top + (glyph.bottom - glyph.top) * (py - y + height) / height - 0.5
+                    pixels[px, py] = self._texel(glyph.first + (px - x) / scale - 0.5, v)
+            x += width
+        return pixels
+
+    def _texel(self, u, v):
+        column, row = math.floor(u), math.floor(v)
+        across, down = u - column, v - row
+
+        def at(x, y):
+            return self.texels[y * self.atlas_width + x] if 0 <= x < self.atlas_width and y >= 0 else 0
+
+        upper = at(column, row) * (1 - across) + at(column + 1, row) * across
+        lower = at(column, row + 1) * (1 - across) + at(column + 1, row + 1) * across
+        return upper * (1 - down) + lower * down
+
+    def shows_scaled(self, picture, text, x, y, scale):
+        """How much a text of a widget looks like itself, 0 to 1: its strokes are as white as they should be,
+        and what lies between them is not."""
+        strokes = white = gaps = dark = 0
+        for (px, py), coverage in self.covered(text, x, y, scale).items():
+            if not (0 <= px < picture.width and 0 <= py < picture.height):
+                return 0
+            value = min(picture.pixel(px, py))
+            if coverage > 0.8:
+                strokes += 1
+                white += value > 0.8 * 255 * coverage * coverage
+            elif coverage < 0.05:
+                gaps += 1
+                dark += value < 160
+        return min(white / strokes, dark / gaps) if strokes and gaps else 0
+
+    def read_scaled(self, picture, pattern, x, y, scale):
+        """The digits that stand in place of the "0" in `pattern`, over a plain dark background. All digits
+        are equally wide. None where it is not like that."""
+        text = list(pattern)
+        worst = 0
+        for place, c in enumerate(pattern):
+            left = x + self.width(pattern[:place]) * scale
+            found = min((self._mean_difference(picture, candidate, left, y, scale), candidate)
+                        for candidate in ("0123456789" if c == "0" else c))
+            worst = max(worst, found[0])
+            text[place] = found[1]
+        return "".join(text) if worst < 12 else None
+
+    def _mean_difference(self, picture, c, x, y, scale):
+        pixels = self.covered(c, x, y, scale).items()
+        return sum(abs(min(picture.pixel(*place)) - 255 * part * part) for place, part in pixels) / len(pixels)
 
     @staticmethod
     def _difference(rows, wanted, x):

@@ -89,14 +89,14 @@ class Picture:
 class Player:
     """The player as a process."""
 
-    def __init__(self, display, *arguments, env=None):
+    def __init__(self, display, *arguments, env=None, user=None):
         environment = dict(os.environ, DISPLAY=display.name, SDL_AUDIODRIVER="dummy")
         environment.update(env or {})
         environment.pop("WAYLAND_DISPLAY", None)
         self.display = display
         self.log = tempfile.TemporaryFile(mode="w+")
         self.process = subprocess.Popen([VYX, *arguments], env=environment, stdout=self.log,
-                                        stderr=subprocess.STDOUT)
+                                        stderr=subprocess.STDOUT, user=user)
 
     def output(self):
         self.log.flush()
@@ -254,8 +254,8 @@ class PlayerTestCase(unittest.TestCase):
     def tearDownClass(cls):
         cls.display.close()
 
-    def start(self, *arguments, env=None):
-        player = Player(self.display, *arguments, env=env)
+    def start(self, *arguments, env=None, user=None):
+        player = Player(self.display, *arguments, env=env, user=user)
         self.addCleanup(player.close)
         return player
 

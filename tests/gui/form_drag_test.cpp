@@ -72,6 +72,23 @@ TEST_F(FormDragTest, AFormWiderThanTheScreenSticksToTheLeftEdge) {
     EXPECT_EQ(form->bounds.y, -300.0F);
 }
 
+TEST_F(FormDragTest, ComesBackIntoAScreenThatBecameSmaller) {
+    GuiWorld::resize(1600, 600);
+    form->bounds.x = 400.0F;
+    form->scaling_center = {7, 7};
+    form->dirty = false;
+    form->keep_inside();
+    EXPECT_EQ(form->bounds.x, 400.0F);
+    EXPECT_EQ(form->scaling_center.x, 7.0F) << "it zooms from where it was opened";
+    EXPECT_FALSE(form->dirty);
+    GuiWorld::resize(800, 600);
+    form->keep_inside();
+    EXPECT_EQ(form->bounds.x, 0.0F);
+    EXPECT_EQ(form->bounds.y, -150.0F);
+    EXPECT_EQ(form->scaling_center.x, -200.0F);
+    EXPECT_TRUE(form->dirty);
+}
+
 TEST_F(FormDragTest, WindowPixelsAreUnitsOfTheForm) {
     GuiWorld::resize(1600, 1200);
     drag_title_by({100, 60});

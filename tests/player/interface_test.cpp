@@ -217,6 +217,7 @@ TEST_F(InterfaceTest, FormsFollowTheWindow) {
 }
 
 TEST_F(InterfaceTest, SmallerWindowPullsFormsBack) {
+    probe_->has_title_bar = true;
     reshape(2000, 600);
     probe_->bounds.x = 800;
     probe_->bounds.y = -300;
