@@ -154,10 +154,13 @@ TEST_F(ThumbnailWorker, MakesAllThatWaitInOneGo) {
         ThumbnailDatabase::Lookup(film, true);
     ThumbnailDatabase::Start();
     const auto start = Clock::now();
-    // One signal, given while the worker waits, is enough for all.
+    // One signal, given while the worker waits, is enough for all. One more while it makes the
+    // first would wait for that and end the batch: slow machines are given time.
     while (scalers_made == before && Clock::now() - start < deadline) {
         ThumbnailDatabase::Lookup("unknown", true);
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        const auto next = Clock::now() + std::chrono::seconds(3);
+        while (scalers_made == before && Clock::now() < next)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     while (scalers_made - before < 10 && Clock::now() - start < deadline)
         std::this_thread::yield();

@@ -98,7 +98,7 @@ TEST_F(RefreshTimerTest, ComesAndNeverEarly) {
 TEST_F(RefreshTimerTest, SurplusTimersPostNothing) {
     for (int i = 0; i < 5; ++i)
         schedule_refresh(nullptr, 10);
-    EXPECT_TRUE(timers_fired());
+    ASSERT_TRUE(timers_fired());
     EXPECT_TRUE(refresh_scheduled);
     EXPECT_EQ(drain(), 1);
 }
@@ -126,8 +126,8 @@ TEST_F(RefreshTimerTest, FreeRunningNeedsAPictureAndTheTopFactor) {
 TEST_F(RefreshTimerTest, FullQueueDelaysTheRefreshButLosesNone) {
     while (push_event(event_alloc_picture, nullptr)) {}
     schedule_refresh(nullptr, 10);
-    EXPECT_TRUE(timers_fired());
-    EXPECT_TRUE(comes_true([] { return !refresh_scheduled; })) << "nothing could be posted";
+    ASSERT_TRUE(timers_fired());
+    ASSERT_TRUE(comes_true([] { return !refresh_scheduled; })) << "nothing could be posted";
     // Taking the events that fill the queue makes room; the timer tries again.
     const auto start = std::chrono::steady_clock::now();
     EXPECT_LT(wait_refresh(start), 1000.0);
