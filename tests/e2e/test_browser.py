@@ -286,7 +286,8 @@ class Browser(PlayerTestCase):
         for i in range(40):
             os.symlink(CAMERA, self.path(f"camera {i:02}.mp4"))
         self.films("small.mp4")
-        ways = {"TERM": lambda player: player.process.terminate(), "Escape": lambda player: player.xdotool("key", "Escape"),
+        ways = {"TERM": lambda player: player.process.terminate(),
+                "Escape": lambda player: player.xdotool("key", "Escape"),
                 "window": lambda player: player.xdotool("key", "alt+F4")}
         moments = {
             "at the start": lambda player, hand: None,
@@ -297,7 +298,6 @@ class Browser(PlayerTestCase):
                 player.key("F1"), player.look_until(browser_shown, "the browser", 20), hand.click(row_place(3))),
             "during a drag": lambda player, hand: (hand.move(BUTTONS["next"]), hand.press((-100, 262))),
         }  # fmt: skip
-        longest = 0
         for moment, bring in moments.items():
             for way, end in ways.items():
                 with self.subTest(moment=moment, way=way):
@@ -308,11 +308,9 @@ class Browser(PlayerTestCase):
                     end(player)
                     self.assertEqual(player.wait(), 0)
                     took = time.monotonic() - begun
-                    longest = max(longest, took)
                     self.display.run("xdotool", "mouseup", 1)
                     # Measured: 0.49 s at most, in release, on two cores with a load of 8.
                     self.assertLess(took, PATIENCE)
-        print(f"the longest took {longest:.2f} s")
 
 
 if __name__ == "__main__":
