@@ -5,6 +5,11 @@
 //     bench_browser [FILES]
 //
 // Every file has a small picture already. It leaves out the making of those and the film behind.
+//
+//     bench_browser --new FILM
+//
+// How long redraws wait while small pictures are made: 40 files that are all FILM, none in the
+// cache, scrolled through from end to end and back until there are pictures of all.
 
 #include "gpu/gl_bindings.h"
 #include "gpu/gl_context.h"
@@ -13,6 +18,7 @@
 #include "gui/gl_font.h"
 #include "gui/player_control.h"
 #include "gui/screen.h"
+#include "media/thumbnail_database.h"
 #include "platform/swap_interval.h"
 #include "platform/window.h"
 
@@ -21,11 +27,14 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <set>
 #include <vector>
 
 namespace {
@@ -35,6 +44,8 @@ using Clock = std::chrono::steady_clock;
 constexpr int width = 800;
 constexpr int height = 600;
 constexpr int different_pictures = 64;
+constexpr std::size_t new_films = 40;
+constexpr double new_patience = 60.0;  // seconds
 
 double ms_of(const std::function<void()>& work) {
     const auto start = Clock::now();
@@ -68,15 +79,20 @@ Spread repeated(int times, const std::function<void()>& work) {
     return spread_of(values);
 }
 
-// A folder of empty files, gone at the end.
+// A folder of files, gone at the end.
 class Films {
   public:
-    explicit Films(int files) {
-        char name[] = "/tmp/browser_bench_XXXXXX";
-        folder_ = mkdtemp(name);
+    // Empty ones.
+    explicit Films(int files) : Films() {
         for (int i = 0; i < files; ++i)
             std::ofstream(folder_ /
                           ("A film with a name of usual length " + std::to_string(i) + ".mp4"));
+    }
+    // Each of them the same film.
+    explicit Films(const char* film) : Films() {
+        const std::filesystem::path target = std::filesystem::absolute(film);
+        for (std::size_t i = 0; i < new_films; ++i)
+            std::filesystem::create_symlink(target, folder_ / (std::to_string(i) + ".mp4"));
     }
     ~Films() {
         std::error_code ignored;
@@ -88,23 +104,18 @@ class Films {
     std::string path() const { return folder_.string(); }
 
   private:
+    Films() {
+        char name[] = "/tmp/browser_bench_XXXXXX";
+        folder_ = mkdtemp(name);
+    }
+
     std::filesystem::path folder_;
 };
 
-// A player that does nothing and has a picture of every film.
-class Pictures : public PlayerControl {
+// A player that does nothing and has no picture of any film.
+class NoPictures : public PlayerControl {
   public:
-    Pictures() {
-        std::vector<unsigned char> grey(192 * 108 * 3);
-        for (int i = 0; i < different_pictures; ++i) {
-            std::fill(grey.begin(), grey.end(), static_cast<unsigned char>(i * 4));
-            pictures_.emplace_back(new gl_texture_resource(108, 192, GL_RGB8, grey.data()));
-        }
-    }
-    gl_texture_resource* thumbnail(const std::string& path) override {
-        ++asked;
-        return pictures_[std::hash<std::string>()(path) % different_pictures];
-    }
+    gl_texture_resource* thumbnail(const std::string& /*path*/) override { return nullptr; }
 
     bool is_open() const override { return false; }
     bool is_paused() const override { return false; }
@@ -124,11 +135,42 @@ class Pictures : public PlayerControl {
     bool is_fullscreen() const override { return false; }
     void set_fullscreen(bool /*on*/) override {}
     void set_vsync(bool /*on*/) override {}
+};
+
+// A player that has a picture of every film.
+class Pictures : public NoPictures {
+  public:
+    Pictures() {
+        std::vector<unsigned char> grey(192 * 108 * 3);
+        for (int i = 0; i < different_pictures; ++i) {
+            std::fill(grey.begin(), grey.end(), static_cast<unsigned char>(i * 4));
+            pictures_.emplace_back(new gl_texture_resource(108, 192, GL_RGB8, grey.data()));
+        }
+    }
+    gl_texture_resource* thumbnail(const std::string& path) override {
+        ++asked;
+        return pictures_[std::hash<std::string>()(path) % different_pictures];
+    }
 
     long asked = 0;
 
   private:
     std::vector<object_ref<gl_texture_resource>> pictures_;
+};
+
+// The player's own pictures, and the longest time that a redraw spent on asking for one.
+class MadePictures : public NoPictures {
+  public:
+    gl_texture_resource* thumbnail(const std::string& path) override {
+        gl_texture_resource* found = nullptr;
+        const double ms = ms_of([&] { found = ThumbnailDatabase::Lookup(path, true).texture; });
+        longest_wait = std::max(longest_wait, ms);
+        if (found) seen.insert(path);
+        return found;
+    }
+
+    double longest_wait = 0.0;
+    std::set<std::string> seen;
 };
 
 bool open_window() {
@@ -202,15 +244,50 @@ void measure(const Films& films, int files) {
     gui.children.clear();
 }
 
+void measure_new(const Films& films) {
+    MadePictures pictures;
+    player_control = &pictures;
+    const object_ref<FormMediaBrowser> browser(new FormMediaBrowser((films.path() + "/x").c_str()));
+    gui.add(browser);
+    browser->visible = true;
+    ThumbnailDatabase::Start();
+    redraw();
+    std::vector<double> times;
+    const auto begun = Clock::now();
+    const auto passed = [&] { return std::chrono::duration<double>(Clock::now() - begun).count(); };
+    for (int i = 0; pictures.seen.size() < new_films && passed() < new_patience; ++i) {
+        const double part = std::abs(std::fmod(i / 200.0, 2.0) - 1.0);
+        browser->list->scroll({0.0F, browser->list->scroll_max.y * static_cast<float>(part)}, true);
+        times.push_back(ms_of(redraw));
+    }
+    const double all = passed();
+    const Spread spread = spread_of(times);
+    std::printf("%zu pictures made in %.2f s, %zu redraws\n", pictures.seen.size(), all,
+                times.size());
+    std::printf("%-44s %8.2f ms median, %.2f ms longest\n", "a redraw while they are made",
+                spread.median, spread.worst);
+    std::printf("%-44s %8.2f ms longest\n", "of it the wait for one picture",
+                pictures.longest_wait);
+    ThumbnailDatabase::Abort();
+    ThumbnailDatabase::Join();
+    player_control = nullptr;
+    gui.children.clear();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const int files = argc > 1 ? std::atoi(argv[1]) : 5000;
+    const bool fresh = argc > 2 && std::strcmp(argv[1], "--new") == 0;
+    const int files = argc > 1 && !fresh ? std::atoi(argv[1]) : 5000;
     if (!open_window()) {
         std::fputs("bench_browser needs a display; tools/with-display gives one\n", stderr);
         return 1;
     }
-    measure(Films(files), files);
+    if (fresh) {
+        measure_new(Films(argv[2]));
+    } else {
+        measure(Films(files), files);
+    }
     SDL_Quit();
     return 0;
 }

@@ -9,7 +9,7 @@ import time
 import unittest
 
 from hand import BUTTONS, FONT, NEUTRAL, SMALL, Hand, to_window, transport_shown
-from support import CAMERA, PATIENCE, PlayerTestCase, clip, number_in, wait_for
+from support import CAMERA, PATIENCE, PlayerTestCase, clip, wait_for
 
 BACK, CLOSE = (-400 + 60, -300 + 572), (-400 + 170, -300 + 572)
 LIST_TOP, ROW = -300 + 62, 60
@@ -61,7 +61,7 @@ class Browser(PlayerTestCase):
     def path(self, *parts):
         return os.path.join(self.folder, *parts)
 
-    def films(self, *names, of="h264.mp4", folder=None):
+    def films(self, *names, of="tones_75s.mkv", folder=None):
         for name in names:
             os.symlink(clip(of), os.path.join(os.fsencode(folder or self.folder), os.fsencode(name)))
 
@@ -138,20 +138,27 @@ class Browser(PlayerTestCase):
         player = self.start(self.path(names[0]))
         player.window()
         hand = Hand(player)
-        for button, name in (("next", names[1]), ("next", names[2]), ("next", first), ("previous", None),
-                             ("previous", None)):
-            if not name:
-                name = names[names.index(player.title().split("[")[1][:-1]) - 1]
-            hand.move(BUTTONS[button])
-            player.look_until(transport_shown, "the transport bar")
-            # Later than 2.5 s "previous" starts the same film again: it is 4 s long.
-            self.await_number(player, lambda number: number < 25, 20, "the beginning")
+        def turns_to(button, name):
+            """Later than 2.5 s "previous" starts the same film again; then the next click counts."""
             hand.click(BUTTONS[button])
+            deadline = time.monotonic() + 2
+            while time.monotonic() < deadline and player.title() != f"VYX Video Player - [{name}]":
+                time.sleep(0.02)
+            return player.title() == f"VYX Video Player - [{name}]"
+
+        hand.move(BUTTONS["next"])
+        player.look_until(transport_shown, "the transport bar")
+        for name in (names[1], names[2], first):
+            hand.click(BUTTONS["next"])
+            self.playing(player, name)
+        for _ in range(2):
+            name = names[names.index(player.title().split("[")[1][:-1]) - 1]
+            wait_for(lambda name=name: turns_to("previous", name), 20, f"the title of {name}")
             self.playing(player, name)
         self.assertEqual(player.quit(), 0)
 
     def test_previous_starts_a_film_again_that_is_under_way(self):
-        self.films("one.mp4", "two.mp4", of="tones_75s.mkv")
+        self.films("one.mp4", "two.mp4")
         player = self.start(self.path("one.mp4"))
         player.window()
         hand = Hand(player)
@@ -163,22 +170,18 @@ class Browser(PlayerTestCase):
         self.assertEqual(player.quit(), 0)
 
     def test_at_its_end_a_film_hands_over_to_the_next(self):
-        self.films("one.avi", "two.avi", of="q7_mpeg4.avi")
+        self.films("one.avi", "two.avi", "three.avi", of="q7_mpeg4.avi")
         names = [row.decode() for row in listed(self.folder) if not row.startswith(b"[")]
         player = self.start(self.path(names[0]))
-        self.number(player)
+        first = self.number(player)
+        # The first one starts again, unless it is told not to.
+        self.await_number(player, lambda number: number > first + 5 or number < first, 10, "the film to go on")
+        self.await_number(player, lambda number: number < 5, 10, "the beginning again")
+        self.assertEqual(player.title(), f"VYX Video Player - [{names[0]}]")
         player.key("l")
-        self.playing(player, names[1])
-        # Opened like that it plays in a loop as films do.
-        passed = [0, 0]
-
-        def goes_round(number):
-            passed[0] += number < passed[1]
-            passed[1] = number
-            return passed[0] > 1
-
-        self.await_number(player, goes_round, 20, "two rounds")
-        self.assertEqual(player.title(), f"VYX Video Player - [{names[1]}]")
+        for name in names[1:]:  # these do not
+            wait_for(lambda name=name: player.title() == f"VYX Video Player - [{name}]", 15, f"the title of {name}")
+            self.number(player)
         self.assertEqual(player.quit(), 0)
 
     def test_awkward_names(self):
@@ -193,7 +196,6 @@ class Browser(PlayerTestCase):
             if len(name) < 100:
                 player.look_until(lambda shot, i=index, name=name: row_shows(shot, i, name), f"the row of {name}", 20)
             hand.click(row_place(index))
-            player.look_until(lambda shot: number_in(shot) is not None, f"{name} to play", 15)
             first = self.number(player)
             self.await_number(player, lambda number, first=first: number != first, 15, "another picture")
             self.reopen(player)
@@ -284,7 +286,8 @@ class Browser(PlayerTestCase):
         for i in range(40):
             os.symlink(CAMERA, self.path(f"camera {i:02}.mp4"))
         self.films("small.mp4")
-        ways = {"TERM": lambda player: player.process.terminate(), "Escape": lambda player: player.xdotool("key", "Escape"),
+        ways = {"TERM": lambda player: player.process.terminate(),
+                "Escape": lambda player: player.xdotool("key", "Escape"),
                 "window": lambda player: player.xdotool("key", "alt+F4")}
         moments = {
             "at the start": lambda player, hand: None,
@@ -295,7 +298,6 @@ class Browser(PlayerTestCase):
                 player.key("F1"), player.look_until(browser_shown, "the browser", 20), hand.click(row_place(3))),
             "during a drag": lambda player, hand: (hand.move(BUTTONS["next"]), hand.press((-100, 262))),
         }  # fmt: skip
-        longest = 0
         for moment, bring in moments.items():
             for way, end in ways.items():
                 with self.subTest(moment=moment, way=way):
@@ -306,11 +308,9 @@ class Browser(PlayerTestCase):
                     end(player)
                     self.assertEqual(player.wait(), 0)
                     took = time.monotonic() - begun
-                    longest = max(longest, took)
                     self.display.run("xdotool", "mouseup", 1)
-                    # Measured: see below.
+                    # Measured: 0.49 s at most, in release, on two cores with a load of 8.
                     self.assertLess(took, PATIENCE)
-        print(f"the longest took {longest:.2f} s")
 
 
 if __name__ == "__main__":

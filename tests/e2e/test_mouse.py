@@ -8,9 +8,9 @@ import time
 import unittest
 
 from films import Films, seconds_in
-from hand import (ADVANCED, AUDIO, BUTTONS, FONT, ICONS, NEUTRAL, POSITION, SMALL, TRANSPORT, VIDEO, VOLUME, Box, Cursor,
+from hand import (ADVANCED, AUDIO, BUTTONS, FONT, ICONS, NEUTRAL, POSITION, SMALL, TRANSPORT, VIDEO, VOLUME, Cursor,
                   Hand, menu_shown, scale_of, to_window, transport_shown)
-from support import PATIENCE, SCREEN_HEIGHT, SCREEN_WIDTH, PlayerTestCase, clip, number_in, wait_for
+from support import PATIENCE, PlayerTestCase, clip, number_in, wait_for
 
 NEAR_EDGE = (-390, 0)
 BROWSER_CLOSE = (-400 + 170, -300 + 572)
@@ -321,7 +321,6 @@ class Mouse(PlayerTestCase):
             hand.do(*commands)
             self.assertTrue(player.running(), player.output())
             hand.look_again()
-        # It still answers: another form comes when it is asked for.
         self.assertEqual(player.quit(), 0, player.output())
         self.assertNotRegex(player.output(), "Sanitizer|runtime error")
 

@@ -140,9 +140,9 @@ TEST_F(InterfaceTest, VisibleFormMakesRefreshesFollowAtOnce) {
     EXPECT_TRUE(refresh_scheduled) << "also while paused";
     await_refresh();
     probe_->visible = false;
+    const auto start = Clock::now();
     video_refresh_timer(&is_);
-    EXPECT_FALSE(refresh_scheduled) << "a paused picture alone can wait";
-    pending_ = true;
+    EXPECT_GE(await_refresh(start), 24.9) << "a paused picture alone can wait";
 }
 
 TEST_F(InterfaceTest, VisibleFormMakesPicturesFollowTheClock) {
