@@ -199,9 +199,18 @@ class Demuxing {
         if (packet_->stream_index == is_->video_stream_index) {
             packet_queue_put(&is_->video_queue, packet_.get());
         } else if (packet_->stream_index == is_->audio_stream_index) {
+            if (ends_too_early()) return;
             is_->sound_over = false;
             packet_queue_put(&is_->audio_queue, packet_.get());
         }
+    }
+
+    // Sound from between the key picture that a seek found and its target.
+    bool ends_too_early() const {
+        const std::int64_t target = is_->discard_before;
+        if (target == nothing_to_discard || packet_->pts == AV_NOPTS_VALUE) return false;
+        return timestamp_microseconds(packet_->pts + packet_->duration,
+                                      is_->audio_stream->time_base) < target;
     }
 
     VideoState* is_;

@@ -55,6 +55,7 @@ class EngineControl final : public PlayerControl {
     void seek(std::int64_t microseconds) override {
         VideoState* is = film();
         if (!is) return;
+        is->seek_exactly = true;
         stream_seek(is, is->start_time + microseconds, 0);
         video_refresh_timer(is);
     }

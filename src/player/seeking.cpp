@@ -69,11 +69,12 @@ bool carry_out_seek(VideoState* is) {
 
     std::int64_t target = is->seek_position;
     int flags = is->seek_flags;
+    const bool exactly = is->seek_exactly && !scanning;
     if (scanning) {
         if (!may_step(is)) return false;
         target = current + (forward ? scan_step : -scan_step);
         flags = forward ? 0 : AVSEEK_FLAG_BACKWARD;
-    } else if (target < current) {
+    } else if (target < current || exactly) {
         flags |= AVSEEK_FLAG_BACKWARD;
     }
     target = within_file(is->format_context.get(), target);
@@ -83,6 +84,7 @@ bool carry_out_seek(VideoState* is) {
     if (is == global_video_state) subtitles.seek(static_cast<unsigned long>(target));
     const bool found = seek_file(is, target, flags, !forward);
     if (found) {
+        is->discard_before = exactly ? target : nothing_to_discard;
         restart_queues(is, target);
         // A scan through sound alone sees no new packets while the clock is paused.
         if (!scanning || is->video_stream_index < 0) {
@@ -93,6 +95,7 @@ bool carry_out_seek(VideoState* is) {
         is->last_seek_time = wall_clock();
         is->last_seek_failed = true;
     }
+    if (!scanning) is->seek_exactly = false;
     is->seek_request = false;
     is->seeking = false;
     return found;

@@ -8,7 +8,10 @@
 #include "platform/window.h"
 #include "player/infolabel.h"
 #include "player/refresh_timer.h"
+#include "player/video_refresh.h"
 #include "support/player_fixture.h"
+
+#include <cmath>
 
 namespace {
 
@@ -109,6 +112,34 @@ TEST_F(EngineControlTest, SeekRefreshesThePicture) {
     EXPECT_TRUE(wait_until([&] { return is->seeks_done == 1; }));
     EXPECT_EQ(is->seek_target, 2000000);
     SDL_Delay(60);  // what the refresh has asked for is not for the next test
+    SDL_Event event;
+    while (SDL_PollEvent(&event)) {}
+    refresh_scheduled = false;
+}
+
+// However far apart key pictures are.
+TEST_F(EngineControlTest, SeekEndsWhereItIsAskedTo) {
+    VideoState* is = play("one_key.mp4");
+    const double places[] = {2.0, 0.52, 3.2, 1.0};
+    int seeks = 0;
+    // Pictures from before make room, as they do on screen.
+    const auto arrived = [&] {
+        const VideoPicture* pic = head(is);
+        if (pic && pic->seeks != seeks) release_picture(is);
+        return is->seeks_seen == seeks && pic && pic->seeks == seeks;
+    };
+    for (const double place : places) {
+        forms().seek(std::llround(place * 1e6));
+        ++seeks;
+        ASSERT_TRUE(wait_until(arrived)) << place;
+        EXPECT_NEAR(head(is)->pts, place, 0.021) << "the picture, or the one beside it";
+        EXPECT_NEAR(forms().position(), place, 0.5);
+    }
+    stream_seek(is, 2000000, -1);
+    ++seeks;
+    ASSERT_TRUE(wait_until(arrived));
+    EXPECT_EQ(is->discard_before, nothing_to_discard) << "others end at key pictures";
+    SDL_Delay(60);
     SDL_Event event;
     while (SDL_PollEvent(&event)) {}
     refresh_scheduled = false;
