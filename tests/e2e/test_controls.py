@@ -7,6 +7,7 @@ import math
 import os
 import statistics
 import tempfile
+import time
 import unittest
 
 from films import BANDS, Films
@@ -233,7 +234,7 @@ class Controls(PlayerTestCase):
     # Sound
 
     def listen(self, film, settings, wait=SECOND // 2):
-        """A second of sound, (left, right, time at which it was recorded), with the settings as they are, and after
+        """A second of sound, (left, right, when it began by the clock), with the settings as they are, and after
         each of `settings`: (slider, share)."""
         with tempfile.TemporaryDirectory() as folder:
             path = os.path.join(folder, "sound.raw")
@@ -244,8 +245,11 @@ class Controls(PlayerTestCase):
                 return os.path.getsize(path) // 2
 
             def after(start, length):
-                wait_for(lambda: size() >= start + length, 30, "sound")
-                return start
+                # The driver's pace is not quite that of the clock, by which the film plays.
+                wait_for(lambda: size() >= start, 30, "sound")
+                begun = time.monotonic() - (size() - start) / SECOND
+                wait_for(lambda: size() >= start + length, 30, "a second of sound")
+                return start, begun
 
             places = [after(size(), SECOND)]
             for name, share in settings:
@@ -257,7 +261,7 @@ class Controls(PlayerTestCase):
                 data = file.read()
             samples = array.array("h", data[: len(data) & ~3])
             return [(samples[at & ~1 : (at & ~1) + SECOND : 2], samples[at & ~1 | 1 : (at & ~1) + SECOND : 2],
-                     at / SECOND) for at in places]
+                     begun) for at, begun in places]
 
     def test_volume_and_balance(self):
         plain, quiet, left, right = self.listen("tones.avi", [("Volume", 0.6), ("Balance", 0), ("Balance", 1)])
@@ -295,15 +299,17 @@ class Controls(PlayerTestCase):
 
     def test_latency_moves_the_sound(self):
         # The pitch rises by 20 Hz in a second: it tells which moment of the film is heard.
-        (before, _, began), (after, _, later) = self.listen("rising.avi", [("Audio latency", 0.9)], 6 * SECOND)
+        heard = self.listen("rising.avi", [("Audio latency", 0.9), ("Audio latency", 0.5)], 6 * SECOND)
 
         def pitch(samples):
             crossings = [i for i in range(1, len(samples)) if samples[i - 1] < 0 <= samples[i]]
             return (len(crossings) - 1) * 48000 / (crossings[-1] - crossings[0])
 
-        moved = (pitch(after) - pitch(before)) / 20 - (later - began)
-        # Measured: 0.42; sound and pictures swing by some hundredths of a second.
-        self.assertAlmostEqual(moved, 0.4, delta=0.1)
+        places = [pitch(left) / 20 - begun for left, _, begun in heard]
+        moved = [later - before for before, later in zip(places, places[1:])]
+        # Measured: 0.35 to 0.43 and -0.34 to -0.42, with a load of 10 on two cores.
+        self.assertAlmostEqual(moved[0], 0.4, delta=0.2)
+        self.assertAlmostEqual(moved[1], -0.4, delta=0.2)
 
 
 if __name__ == "__main__":
