@@ -7,8 +7,8 @@
 
    Order of calls. Reading: open_video, then read_frame and seek_frame in any order, then
    close_video. Writing: save_video, then write_frame once per frame, then close_video, which
-   completes the file. Every call but the last two of this header takes one record that carries its
-   inputs, its outputs and a message. Set `size` to sizeof the record and fill in the fields marked
+   completes the file. These calls, except close_video, take one record that carries their
+   inputs, outputs and a message. Set `size` to sizeof the record and fill in the fields marked
    "in"; fields marked "out" are written by the call. All numbers are in the byte order of the
    machine, which has to be a little-endian one with 64-bit pointers; the offsets of the fields are
    part of the interface and never change.
@@ -35,8 +35,9 @@
    time. Calls with the same handle wait for each other, and close_video lets a call that is under
    way finish first. Records must not be shared between calls that run at the same time.
 
-   FFmpeg's own log goes to standard error. Where the program has not chosen a level before the
-   first call here, it is set to AV_LOG_QUIET once; av_log_set_level afterwards makes it heard. */
+   FFmpeg's own log goes to standard error. Where the program has not chosen a level before it
+   opens or saves its first film here, it is set to AV_LOG_QUIET, once; av_log_set_level afterwards
+   makes it heard, with a description of every film that is saved. */
 
 #include <stdint.h>
 
@@ -158,9 +159,9 @@ VYX_VIDEO_API int open_video(VYX_OpenVideoArgs* args);
 
      "incorrect dimensions!\n"          height, width or bytes per pixel; nothing has been read.
      "Frame data not set!\n"            `data` is null; nothing has been read.
-     "read_and_decode failed: %s\n"     "End of file" after the last frame; otherwise a damaged
-   part, after which reading may go on. "sws_getContext failed\n"          the frame's kind of
-   pixels cannot be converted.
+     "read_and_decode failed: %s\n"     with "End of file" after the last frame; otherwise for a
+                                        damaged part, after which reading may go on.
+     "sws_getContext failed\n"          the frame's kind of pixels cannot be converted.
 
    Reading on after the end gives the end again. */
 VYX_VIDEO_API int read_frame(VYX_ReadFrameArgs* args);
@@ -171,7 +172,9 @@ VYX_VIDEO_API int read_frame(VYX_ReadFrameArgs* args);
    Frames that the decoder has not given out yet come first: read on until `frame_time` is what you
    look for. Text:
 
-     "error while seeking\n"            a film that cannot seek, or a time that is not a number. */
+     "error while seeking\n"            a time that is not a number, after which reading goes on as
+                                        before, or a film that cannot seek, which may then be at its
+                                        end. */
 VYX_VIDEO_API int seek_frame(VYX_SeekFrameArgs* args);
 
 /* Makes a file for frames. Returns 0, or -1 with a message and a null handle.
@@ -217,8 +220,9 @@ VYX_VIDEO_API int save_video(VYX_SaveVideoArgs* args);
      "Could not write to file: %s!\n"                  the same with the codec "avi".
      "File is full: AVI files hold less than 4 GiB!\n" the file is good with the frames before.
 
-   After one of the three errors of writing the file cannot become complete: close_video removes it.
- */
+   "avcodec_encode_video", "av_interleaved_write_frame" and "Could not write" mean that the file
+   cannot become complete any more: they stay for every further frame, and close_video removes the
+   file. */
 VYX_VIDEO_API int write_frame(VYX_WriteFrameArgs* args);
 
 /* Closes a handle of either kind; a file that was written is complete afterwards, and one that

@@ -29,8 +29,8 @@ void alloc_waveforms(object_ref<gl_texture_resource>& tex);
 void fade_waveforms(gl_texture_resource* tex);
 
 /// Draws one vertical line per column and channel, the first channel's at the lowest texel rows.
-/// The height of the picture is shared evenly; an amplitude of 1 is as long as a channel's half
-/// share times two. [main]
+/// The height of the picture is shared evenly; a line for an amplitude of 1 is half a share
+/// long. [main]
 void draw_waveforms(gl_texture_resource* tex, std::span<const Waveform> channels);
 
 /// Draws the picture into the window as a quad from (0, 0) to (600, 450), its lowest texel row at

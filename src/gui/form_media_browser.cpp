@@ -21,6 +21,7 @@ constexpr int row_height = 60;
 constexpr int row_margin = 2;
 constexpr int text_gap = 10;
 constexpr float path_margin = 10.0F;
+constexpr double double_click_seconds = 0.25;
 
 std::string split_name(const std::string& path) {
     std::string name;
@@ -154,9 +155,7 @@ void FormMediaBrowser::play_previous() {
 }
 
 void FormMediaBrowser::play(int index) {
-    if (!list->select_item_by_index(index)) return;
-    EventArgs chosen(list, EventTypes::item_chosen);
-    onevent(chosen);
+    if (list->select_item_by_index(index)) choose(index);
 }
 
 void FormMediaBrowser::select(const char* path) {
@@ -177,7 +176,7 @@ bool FormMediaBrowser::select_named(const std::string& name) {
 void FormMediaBrowser::onevent(EventArgs& event) {
     const bool chosen = event.action == EventTypes::item_chosen;
     if (chosen && event.sender == list) {
-        choose(list->selected);
+        choose_clicked(list->selected);
     } else if (chosen && event.sender == back) {
         go_back();
     } else if (event.action == EventTypes::custom_draw && event.sender == list) {
@@ -185,6 +184,14 @@ void FormMediaBrowser::onevent(EventArgs& event) {
     } else {
         FormWidget::onevent(event);
     }
+}
+
+// The second click of a double click would meet another row: the list has changed by then, or
+// shrinks away under the pointer.
+void FormMediaBrowser::choose_clicked(int index) {
+    const bool second_click = now() - last_click_ < double_click_seconds && now() >= last_click_;
+    last_click_ = now();
+    if (!second_click && animation_state != hiding) choose(index);
 }
 
 void FormMediaBrowser::choose(int index) {

@@ -61,6 +61,7 @@ class FormMediaBrowser : public FormWidget, public FileChooser {
     int next_index() const;
     int previous_index() const;
     void play(int index);
+    void choose_clicked(int index);
     void choose(int index);
     void enter(const DirectoryEntry& entry);
     void open(const DirectoryEntry& entry);
@@ -68,6 +69,7 @@ class FormMediaBrowser : public FormWidget, public FileChooser {
 
     /// What the rows of the list stand for: a file's name may begin with a bracket, too.
     std::vector<DirectoryEntry> entries_;
+    double last_click_ = -1.0;  ///< seconds, by the environment's clock
 };
 
 /// The player's one, null until it starts. [main]

@@ -71,9 +71,9 @@ class FormWidget : public WidgetContainer {
     void draw_children();
 
   private:
+    void move_to(pointf origin);
     void draw_frame();
     void draw_title();
-    void move_to(pointf origin);
     void hide_forms_in_the_way();
     void push_auto_hide_forms_away();
     void animate();

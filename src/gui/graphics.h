@@ -88,7 +88,7 @@ void fillpolyf(const pointf* pts, int n);
 /// nothing. Nothing is written where `n` is below 1.
 void getpolygonbounds(rectf* out, const pointf* pts, int n);
 
-// Shapes that have a name and no drawing yet.
+// Shapes that have a name and no drawing.
 
 void ellipse(int x, int y, int w, int h);
 void fillellipse(int x, int y, int w, int h);
@@ -113,7 +113,7 @@ void rotate_transform(float degrees);
 void scale_transform(float sx, float sy);
 void translate_transform(float dx, float dy);
 
-// Transforms that have a name and no effect yet.
+// Transforms that have a name and no effect.
 
 void set_transform(float a, float b, float c, float d, float e, float f);
 void rotate_pretransform(float degrees);

@@ -21,7 +21,7 @@ constexpr int enough_frames = 400;
 constexpr int hopeless_packets = 1000;
 constexpr int more_attempts = 3;
 constexpr std::int64_t attempt_step = 4 * AV_TIME_BASE;
-// Larger pictures than 8192 x 8192 cannot be played either, and one takes the decoder too long.
+// One picture of more than 8192 x 8192 takes the decoder too long.
 constexpr std::int64_t most_pixels = std::int64_t{8192} * 8192;
 // The scaler's vector code writes in steps, beyond the end of the last row.
 constexpr std::size_t padding = 64;
@@ -277,7 +277,7 @@ class ThumbnailMaking {
         // There is one cover, at no time.
         if (stream_->disposition & AV_DISPOSITION_ATTACHED_PIC) return false;
         std::int64_t target =
-            av_rescale_q(attempt * attempt_step, AV_TIME_BASE_Q, stream_->time_base);
+            av_rescale_q(attempt * attempt_step, av_get_time_base_q(), stream_->time_base);
         if (stream_->start_time != AV_NOPTS_VALUE) target += stream_->start_time;
         if (av_seek_frame(format(), stream_->index, target, AVSEEK_FLAG_FRAME) < 0) return false;
         avcodec_flush_buffers(codec_.get());

@@ -6,7 +6,7 @@
 #include <chrono>
 
 /// How long making one thumbnail may take. The drawing thread waits meanwhile.
-inline constexpr std::chrono::milliseconds thumbnail_patience{2000};
+inline constexpr std::chrono::milliseconds thumbnail_patience{1000};
 
 /// Decodes and scales one representative picture of the film `path`: its first key picture, or,
 /// while those are flat, the ones about 4, 8 and 12 s after the start.

@@ -72,5 +72,5 @@ double timestamp_seconds(std::int64_t timestamp, AVRational time_base) {
 
 std::int64_t timestamp_microseconds(std::int64_t timestamp, AVRational time_base) {
     if (timestamp == AV_NOPTS_VALUE || time_base.den == 0) return 0;
-    return av_rescale_q(timestamp, time_base, AV_TIME_BASE_Q);
+    return av_rescale_q(timestamp, time_base, av_get_time_base_q());
 }

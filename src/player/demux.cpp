@@ -96,6 +96,8 @@ class Demuxing {
     void publish_duration() {
         const std::int64_t duration = is_->format_context->duration;
         is_->duration = duration > 0 ? static_cast<double>(duration) / AV_TIME_BASE : 0.0;
+        const std::int64_t start = is_->format_context->start_time;
+        is_->start_time = start != AV_NOPTS_VALUE ? start : 0;
     }
 
     // Reads the file through, so that it comes from memory when it plays.
@@ -133,10 +135,13 @@ class Demuxing {
         }
     }
 
+    // Recordings may start at any time; the interface counts from there.
     void publish_position() {
         const int index = reference_stream(is_);
-        is_->position =
+        const double position =
             timestamp_seconds(global_video_pkt_pts, is_->format_context->streams[index]->time_base);
+        const double start = static_cast<double>(is_->start_time) / AV_TIME_BASE;
+        is_->position = std::max(0.0, position - start);
     }
 
     void handle_end_of_file() {
@@ -194,9 +199,18 @@ class Demuxing {
         if (packet_->stream_index == is_->video_stream_index) {
             packet_queue_put(&is_->video_queue, packet_.get());
         } else if (packet_->stream_index == is_->audio_stream_index) {
+            if (ends_too_early()) return;
             is_->sound_over = false;
             packet_queue_put(&is_->audio_queue, packet_.get());
         }
+    }
+
+    // Sound from between the key picture that a seek found and its target.
+    bool ends_too_early() const {
+        const std::int64_t target = is_->discard_before;
+        if (target == nothing_to_discard || packet_->pts == AV_NOPTS_VALUE) return false;
+        return timestamp_microseconds(packet_->pts + packet_->duration,
+                                      is_->audio_stream->time_base) < target;
     }
 
     VideoState* is_;

@@ -6,6 +6,7 @@
 #include "media/thumbnail_database.h"
 #include "platform/window.h"
 #include "player/infolabel.h"
+#include "player/play_video.h"
 #include "player/stream.h"
 #include "player/video_refresh.h"
 
@@ -25,8 +26,12 @@ class EngineControl final : public PlayerControl {
     bool picture_size(int* width, int* height) const override {
         const VideoState* is = film();
         if (!is || is->video_stream_index < 0) return false;
-        *width = is->video_info.width;
-        *height = is->video_info.height;
+        // The size may change on the way; the picture on screen knows it.
+        const bool shown = is->shown_picture >= 0;
+        const VideoPicture& pic =
+            is->pictures[static_cast<std::size_t>(shown ? is->shown_picture : 0)];
+        *width = shown ? pic.width : is->video_info.width;
+        *height = shown ? pic.height : is->video_info.height;
         return true;
     }
     int largest_texture() const override { return max_texture_size; }
@@ -50,7 +55,8 @@ class EngineControl final : public PlayerControl {
     void seek(std::int64_t microseconds) override {
         VideoState* is = film();
         if (!is) return;
-        stream_seek(is, microseconds, 0);
+        is->seek_exactly = true;
+        stream_seek(is, is->start_time + microseconds, 0);
         video_refresh_timer(is);
     }
 
@@ -61,7 +67,7 @@ class EngineControl final : public PlayerControl {
     void show_label(const std::string& text) override { set_infolabel(text); }
 
     bool is_fullscreen() const override { return get_fullscreen(); }
-    void set_fullscreen(bool on) override { ::set_fullscreen(on ? 1 : 0); }
+    void set_fullscreen(bool on) override { cover_screen(on); }
     void set_vsync(bool on) override { ::set_vsync(on ? 1 : 0); }
 
     gl_texture_resource* thumbnail(const std::string& path) override {

@@ -2,6 +2,7 @@
 #include "player/event_loop.h"
 
 #include "gui/forms.h"
+#include "gui/gui_environment.h"
 #include "platform/window.h"
 #include "player/infolabel.h"
 #include "player/key_commands.h"
@@ -20,6 +21,11 @@ constexpr Uint32 double_click_ms = 250;
 // The button that is being held over the interface, 0 for none.
 int held_button = 0;
 
+// A second button must not take what the first one drags. Releases can get lost, though.
+bool is_held() {
+    return held_button && (gui_environment.mouse_buttons() & SDL_BUTTON(held_button)) != 0;
+}
+
 bool near_edge(pointf p) {
     constexpr float margin = 100.0F;
     return p.x < margin || p.y < margin || p.x > static_cast<float>(screen->w) - margin ||
@@ -34,11 +40,10 @@ void mouse_down(const SDL_MouseButtonEvent& button) {
     const pointf p(button.x, button.y);
     if (button.button == SDL_BUTTON_LEFT && DoubleClickDetected(SDL_GetTicks()) &&
         !gui.hittest(p)) {
-        set_fullscreen(get_fullscreen() ? 0 : 1);
+        cover_screen(!get_fullscreen());
         return;
     }
-    // A second button must not take what the first one drags.
-    if (held_button) return;
+    if (held_button != button.button && is_held()) return;
     held_button = button.button;
     const bool pressed = gui.mousedown(p, held_button);
     // A click without the least movement works, too.

@@ -7,6 +7,7 @@
 #include "platform/window.h"
 #include "player/clocks.h"
 #include "player/infolabel.h"
+#include "player/play_video.h"
 #include "player/stream.h"
 
 #include <algorithm>
@@ -174,7 +175,7 @@ void key_down(VideoState* is, const SDL_keysym& key) {
             toggle_form(formVideoAdvancedSettings);
             break;
         case SDLK_F12:
-            set_fullscreen(get_fullscreen() ? 0 : 1);
+            cover_screen(!get_fullscreen());
             break;
         default:
             break;

@@ -195,6 +195,12 @@ void place_forms() {
 
 }  // namespace
 
+void cover_screen(bool on) {
+    set_fullscreen(on ? 1 : 0);
+    // A form that went while the screen was covered took the pointer with it.
+    if (!get_fullscreen()) SDL_ShowCursor(SDL_ENABLE);
+}
+
 void init() {
     init_gl_state();
     create_default_font();

@@ -38,6 +38,9 @@ int play_video(PlayVideoArgs* args);
 /// Fixed state of OpenGL, and vertical synchronisation on. [main]
 void init();
 
+/// Goes to full screen, or back to a window with a visible pointer. [main]
+void cover_screen(bool on);
+
 /// Adapts projection, framebuffers and the interface to a window of `width` x `height`. [main]
 void reshape(int width, int height);
 

@@ -8,15 +8,15 @@
 /// A refresh event is waiting in the queue.
 extern std::atomic<bool> refresh_scheduled;
 
-/// Whether refreshes follow each other without a timer: the temporal factor stands at its maximum
-/// and there is a picture, or a form is visible. [main]
+/// Whether pictures are shown as fast as they can be drawn: the temporal factor stands at its
+/// maximum and there is a film. [main]
 bool maximize_fps(const VideoState* is);
 
-/// Asks for a refresh in `ms` milliseconds; at once when refreshes run freely. `is` may be null.
-/// [main]
+/// Asks for a refresh in `ms` milliseconds; at once with `maximize_fps` or while a form is visible.
+/// `is` may be null. [main]
 void schedule_refresh(VideoState* is, int ms);
 
-/// The same, but never at once: for a picture that does not change. [main]
+/// The same, but never at once: where nothing new can be there before. [main]
 void schedule_refresh_later(VideoState* is, int ms);
 
 /// While refreshes are held, timers that fire post nothing. No callback is posting any more when

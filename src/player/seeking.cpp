@@ -52,7 +52,7 @@ bool seek_file(VideoState* is, std::int64_t target, int flags, bool try_backward
     target = within_file(context, target);
     const AVStream* stream = stream_at(is, index);
     const std::int64_t timestamp =
-        stream ? av_rescale_q(target, AV_TIME_BASE_Q, stream->time_base) : target;
+        stream ? av_rescale_q(target, av_get_time_base_q(), stream->time_base) : target;
     if (av_seek_frame(context, index, timestamp, flags) >= 0) return true;
     return try_backwards && !(flags & AVSEEK_FLAG_BACKWARD) &&
            av_seek_frame(context, index, timestamp, flags | AVSEEK_FLAG_BACKWARD) >= 0;
@@ -64,16 +64,17 @@ bool carry_out_seek(VideoState* is) {
     const bool scanning = forward || backward;
     if (!is->seek_request && !scanning) return false;
     const AVStream* stream = stream_at(is, reference_stream(is));
-    const AVRational time_base = stream ? stream->time_base : AV_TIME_BASE_Q;
+    const AVRational time_base = stream ? stream->time_base : av_get_time_base_q();
     const std::int64_t current = timestamp_microseconds(global_video_pkt_pts, time_base);
 
     std::int64_t target = is->seek_position;
     int flags = is->seek_flags;
+    const bool exactly = is->seek_exactly && !scanning;
     if (scanning) {
         if (!may_step(is)) return false;
         target = current + (forward ? scan_step : -scan_step);
         flags = forward ? 0 : AVSEEK_FLAG_BACKWARD;
-    } else if (target < current) {
+    } else if (target < current || exactly) {
         flags |= AVSEEK_FLAG_BACKWARD;
     }
     target = within_file(is->format_context.get(), target);
@@ -83,16 +84,18 @@ bool carry_out_seek(VideoState* is) {
     if (is == global_video_state) subtitles.seek(static_cast<unsigned long>(target));
     const bool found = seek_file(is, target, flags, !forward);
     if (found) {
+        is->discard_before = exactly ? target : nothing_to_discard;
         restart_queues(is, target);
         // A scan through sound alone sees no new packets while the clock is paused.
         if (!scanning || is->video_stream_index < 0) {
-            global_video_pkt_pts = av_rescale_q(target, AV_TIME_BASE_Q, time_base);
+            global_video_pkt_pts = av_rescale_q(target, av_get_time_base_q(), time_base);
         }
     } else {
         std::fprintf(stderr, "%s: error while seeking\n", is->filename.c_str());
         is->last_seek_time = wall_clock();
         is->last_seek_failed = true;
     }
+    if (!scanning) is->seek_exactly = false;
     is->seek_request = false;
     is->seeking = false;
     return found;

@@ -22,6 +22,7 @@ constexpr int audio_only_ms = 50;
 constexpr int camera_ms = 10;
 
 double video_fps = 0.0;
+bool gui_runs_freely = false;  // a form was visible when this refresh began
 
 int queued_pictures(VideoState* is) {
     const MutexLock lock(is->picture_queue_mutex);
@@ -38,10 +39,16 @@ void keep_shown_picture(VideoState* is) {
     is->shown_picture = released;
 }
 
+// What lies over a picture, without one.
+void show_interface(VideoState* is) {
+    clear_window(screen->w, screen->h);
+    if (!video_suppressed()) hud_display(is);
+    gui_display();
+}
+
 void show(VideoState* is) {
     if (video_suppressed()) {
-        clear_window(screen->w, screen->h);
-        gui_display();
+        show_interface(is);
     } else if (!is) {
         video_nosignal_display();
     } else if (is->video_stream_index >= 0) {
@@ -80,7 +87,7 @@ RefreshInput refresh_input(VideoState* is, const VideoPicture& pic) {
     in.now = static_cast<double>(wall_clock()) / 1000000.0;
     in.speed = playback_speeds[static_cast<std::size_t>(is->playback_speed_index)];
     in.n = master_settings.temporal_upscaling_factor.toInt() + 1;
-    in.free_running = maximize_fps(is) || gui.anyVisible();
+    in.free_running = maximize_fps(is) || gui_runs_freely;
     in.follows = (is->sync_source == sync_audio && is->audio_stream_index >= 0) ||
                  is->sync_source == sync_external;
     in.difference = in.follows ? pic.pts - get_master_clock(is) : 0.0;
@@ -185,6 +192,7 @@ void release_picture(VideoState* is) {
 }
 
 void video_refresh_timer(VideoState* is) {
+    gui_runs_freely = gui.anyVisible();
     gui.tick(-1.0);
     if (!is) {
         show(nullptr);
@@ -201,4 +209,6 @@ void video_refresh_timer(VideoState* is) {
         return;
     }
     schedule_refresh(is, idle_ms);
+    // The file is still being opened: what was there stays, but forms move.
+    if (gui_runs_freely) show_interface(is);
 }

@@ -21,6 +21,9 @@
 #include <memory>
 #include <string>
 
+/// Earlier than every time stamp.
+inline constexpr std::int64_t nothing_to_discard = INT64_MIN;
+
 /// The clock that pictures and sound follow.
 enum SyncSource : int { sync_audio = 0, sync_video = 1, sync_external = 2 };
 
@@ -75,7 +78,9 @@ struct VideoState {
     std::atomic<bool> seek_request{false};
     std::atomic<int> seek_flags{0};
     std::atomic<std::int64_t> seek_position{0};  ///< microseconds
-    std::atomic<bool> seeking{false};            ///< [demux] is at it
+    /// The next seek is to end at its position, not at a key picture near it.
+    std::atomic<bool> seek_exactly{false};
+    std::atomic<bool> seeking{false};  ///< [demux] is at it
 
     // Sound.
     AVStream* audio_stream = nullptr;  ///< owned by format_context
@@ -134,9 +139,11 @@ struct VideoState {
     std::atomic<bool> yuv_direct{false};        ///< pictures can be converted on the GPU
     std::atomic<bool> decoder_finished{false};  ///< every picture of the file is queued
     std::atomic<std::int64_t> seek_target{0};   ///< of the last seek, microseconds
-    bool last_seek_failed = false;              ///< [demux]
-    std::int64_t last_seek_time = 0;            ///< wall time in microseconds. [demux]
-    std::atomic<int> seeks_done{0};             ///< seeks carried out. [demux]
+    /// Pictures and sound that end before are passed over, microseconds. [demux]
+    std::atomic<std::int64_t> discard_before{nothing_to_discard};
+    bool last_seek_failed = false;           ///< [demux]
+    std::int64_t last_seek_time = 0;         ///< wall time in microseconds. [demux]
+    std::atomic<int> seeks_done{0};          ///< seeks carried out. [demux]
     std::atomic<int> seeks_seen{0};          ///< the newest whose first picture is queued. [video]
     std::atomic<int> video_clock_seeks{-1};  ///< `seeks` of the picture that set the clock. [main]
     MutexPtr picture_queue_mutex;
@@ -156,8 +163,9 @@ struct VideoState {
     PostprocessingCallback postprocessing_callback = nullptr;
 
     // Published for the interface.
-    std::atomic<double> duration{0.0};  ///< seconds, 0 when unknown
-    std::atomic<double> position{0.0};  ///< seconds
+    std::atomic<double> duration{0.0};        ///< seconds, 0 when unknown
+    std::atomic<double> position{0.0};        ///< seconds from the start
+    std::atomic<std::int64_t> start_time{0};  ///< of the first time stamp, microseconds
 
     // Threads.
     SDL_Thread* demux_thread = nullptr;

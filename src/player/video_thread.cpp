@@ -48,6 +48,7 @@ class VideoDecoding {
         is_->decoder_finished = false;
         is_->video_clock = static_cast<double>(is_->seek_target) / 1000000.0;
         seek_ = static_cast<int>(packet_->pts);
+        discard_before_ = is_->discard_before;
     }
 
     // Sends the packet and queues every picture that comes out. Returns false when the film closes.
@@ -73,11 +74,17 @@ class VideoDecoding {
     }
 
     void note_time() const {
-        if (packet_->pts != AV_NOPTS_VALUE) {
-            global_video_pkt_pts = packet_->pts;
-        } else if (packet_->dts != AV_NOPTS_VALUE) {
-            global_video_pkt_pts = packet_->dts;
-        }
+        const std::int64_t time = packet_->pts != AV_NOPTS_VALUE ? packet_->pts : packet_->dts;
+        if (time != AV_NOPTS_VALUE && !is_before_target(time)) global_video_pkt_pts = time;
+    }
+
+    // Whether a time stamp lies clearly before where the film is to go on. A picture that is due
+    // in half its duration may be shown.
+    bool is_before_target(std::int64_t timestamp) const {
+        if (discard_before_ == nothing_to_discard || timestamp == AV_NOPTS_VALUE) return false;
+        const auto tolerance = static_cast<std::int64_t>(frame_duration(is_) * 500000.0);
+        return timestamp_microseconds(timestamp, is_->video_stream->time_base) <
+               discard_before_ - tolerance;
     }
 
     int send(bool drain) {
@@ -111,6 +118,10 @@ class VideoDecoding {
     }
 
     bool queue_frame() {
+        if (is_before_target(frame_->pkt_dts)) {
+            av_frame_unref(frame_.get());
+            return true;
+        }
         const double stamp = timestamp_seconds(frame_->pkt_dts, is_->video_stream->time_base);
         const double pts = synchronize_video(is_, frame_->repeat_pict, frame_duration(is_), stamp);
         const int result = queue_picture(is_, frame_, pts, seek_);
@@ -125,6 +136,7 @@ class VideoDecoding {
     PacketPtr packet_;
     FramePtr frame_;
     bool draining_ = false;
+    std::int64_t discard_before_ = nothing_to_discard;
     int seek_ = 0;  // the last seek whose flush packet came through
 };
 

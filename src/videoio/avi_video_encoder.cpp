@@ -43,7 +43,7 @@ VYX_AVIVideoEncoder::VYX_AVIVideoEncoder(VYX_SaveVideoArgs* args) {
 }
 
 VYX_AVIVideoEncoder::~VYX_AVIVideoEncoder() {
-    if (writer_ && writer_->Close() && !damaged_) partial_.complete();
+    if (writer_ && writer_->Close() && error_ == 0) partial_.complete();
 }
 
 void VYX_AVIVideoEncoder::WriteFrame(VYX_WriteFrameArgs* args) {
@@ -61,13 +61,20 @@ void VYX_AVIVideoEncoder::WriteFrame(VYX_WriteFrameArgs* args) {
         set_error(args->errorMsg, "File is full: AVI files hold less than 4 GiB!\n");
         return;
     }
-    // The writer only reads.
-    auto* data = const_cast<unsigned char*>(static_cast<const unsigned char*>(args->data));
-    damaged_ = true;
-    writer_->AppendFrame(data, width, height, width * 3, 3);
-    damaged_ = std::ferror(file_) != 0;
-    if (damaged_) {
+    if (error_ == 0) append(static_cast<const unsigned char*>(args->data));
+    if (error_ != 0) {
         set_error(args->errorMsg, "Could not write to file: %s!\n",
-                  std::system_category().message(errno).c_str());
+                  std::system_category().message(error_).c_str());
     }
+}
+
+void VYX_AVIVideoEncoder::append(const unsigned char* frame) {
+    error_ = ENOMEM;  // unless the writer comes back
+    errno = 0;
+    const int width = writer_->GetWidth();
+    // The writer only reads.
+    writer_->AppendFrame(const_cast<unsigned char*>(frame), width, writer_->GetHeight(), width * 3,
+                         3);
+    const int reason = errno != 0 ? errno : EIO;
+    error_ = std::ferror(file_) ? reason : 0;
 }

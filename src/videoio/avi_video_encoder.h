@@ -18,8 +18,10 @@ class VYX_AVIVideoEncoder : public VYX_VideoEncoder {
     void WriteFrame(VYX_WriteFrameArgs* args) override;
 
   private:
+    void append(const unsigned char* frame);
+
     PartialFile partial_;
     FILE* file_ = nullptr;  ///< the writer's
-    bool damaged_ = false;  ///< a frame was left unfinished
+    int error_ = 0;         ///< of the system: why a frame is not complete, and the file never
     std::unique_ptr<AviWriter> writer_;
 };

@@ -23,7 +23,7 @@ constexpr double latest_pts = 1099511627776.0;  // 2^40
 
 VYX_LibAVVideoEncoder::VYX_LibAVVideoEncoder(VYX_SaveVideoArgs* args) {
     open(*args);
-    damaged_ = args->errorMsg[0] != '\0';
+    refused_ = args->errorMsg[0] != '\0';
 }
 
 VYX_LibAVVideoEncoder::~VYX_LibAVVideoEncoder() {
@@ -118,7 +118,12 @@ bool VYX_LibAVVideoEncoder::open_file(ErrorMessage& message, const char* path) {
 }
 
 void VYX_LibAVVideoEncoder::WriteFrame(VYX_WriteFrameArgs* args) {
-    if (accept(*args) && prepare_scaler(*args) && convert(*args)) encode(*args);
+    if (!failed_call_ && accept(*args) && prepare_scaler(*args) && convert(*args)) {
+        destination_->pts = next_pts(args->frame_time);
+        encode(destination_.get());
+    }
+    if (!failed_call_) return;
+    set_error(args->errorMsg, "%s failed: %s\n", failed_call_, error_text(error_).c_str());
 }
 
 // Whether the frame is like the one before; the first may have any size.
@@ -170,41 +175,33 @@ std::int64_t VYX_LibAVVideoEncoder::next_pts(double seconds) {
     return last_pts_;
 }
 
-bool VYX_LibAVVideoEncoder::encode(VYX_WriteFrameArgs& args) {
-    destination_->pts = next_pts(args.frame_time);
-    int result = avcodec_send_frame(encoder_.get(), destination_.get());
-    if (result >= 0 && !write_packets(result)) {
-        damaged_ = true;
-        return set_error(args.errorMsg, "av_interleaved_write_frame failed: %s\n",
-                         error_text(result).c_str());
-    }
-    if (result >= 0) return true;
-    return set_error(args.errorMsg, "avcodec_encode_video failed: %s\n",
-                     error_text(result).c_str());
+int VYX_LibAVVideoEncoder::fail(const char* call, int error) {
+    failed_call_ = call;
+    error_ = error;
+    return error;
 }
 
-// Writes what the encoder has ready. `result` becomes an error code or 0; returns false when it is
-// the writing that failed.
-bool VYX_LibAVVideoEncoder::write_packets(int& result) {
-    for (;;) {
+// Hands the encoder a frame, or the end, and the container what the encoder has ready.
+int VYX_LibAVVideoEncoder::encode(const AVFrame* frame) {
+    int result = avcodec_send_frame(encoder_.get(), frame);
+    while (result >= 0) {
         result = avcodec_receive_packet(encoder_.get(), packet_.get());
-        const bool none = result == AVERROR(EAGAIN) || result == AVERROR_EOF;
-        if (none) result = 0;
-        if (none || result < 0) return true;
+        if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return 0;
+        if (result < 0) break;
         if (packet_->duration == 0) packet_->duration = 1;
         av_packet_rescale_ts(packet_.get(), encoder_->time_base, stream_->time_base);
         packet_->stream_index = stream_->index;
-        result = av_interleaved_write_frame(container_.get(), packet_.get());
-        if (result < 0) return false;
+        const int written = av_interleaved_write_frame(container_.get(), packet_.get());
+        if (written < 0) return fail("av_interleaved_write_frame", written);
     }
+    return fail("avcodec_encode_video", result);
 }
 
 // Completes the file, with what the encoder has held back.
 void VYX_LibAVVideoEncoder::finish() {
-    int result = avcodec_send_frame(encoder_.get(), nullptr);
-    const bool written = result >= 0 && write_packets(result) && result >= 0;
+    if (refused_ || failed_call_ || encode(nullptr) < 0) return;
     const bool ended = av_write_trailer(container_.get()) >= 0;
     const bool file = !(container_->oformat->flags & AVFMT_NOFILE);
     const bool closed = !file || avio_closep(&container_->pb) >= 0;
-    if (written && ended && closed && !damaged_) partial_.complete();
+    if (ended && closed) partial_.complete();
 }

@@ -30,8 +30,8 @@ class VYX_LibAVVideoEncoder : public VYX_VideoEncoder {
     bool prepare_scaler(VYX_WriteFrameArgs& args);
     bool convert(VYX_WriteFrameArgs& args);
     std::int64_t next_pts(double seconds);
-    bool write_packets(int& result);
-    bool encode(VYX_WriteFrameArgs& args);
+    int encode(const AVFrame* frame);
+    int fail(const char* call, int error);
     void finish();
 
     PartialFile partial_;
@@ -44,7 +44,10 @@ class VYX_LibAVVideoEncoder : public VYX_VideoEncoder {
     ScalerPtr scaler_;
     PacketPtr packet_;
     bool header_written_ = false;
-    bool damaged_ = false;  ///< what is written is not the film
+    bool refused_ = false;  ///< the record was wrong: nothing of this is to stay
+    // What has ended the writing: FFmpeg's muxers do not bear that a packet is missing.
+    const char* failed_call_ = nullptr;
+    int error_ = 0;
     AVPixelFormat source_format_ = AV_PIX_FMT_RGB24;
     std::int64_t last_pts_ = -1;
 };

@@ -75,9 +75,12 @@ void copy_frames(const VYX_OpenVideoArgs& film, const VYX_SaveVideoArgs& copy) {
     write.frame_width = film.frame_width;
     write.bytes_per_pixel = 3;
     write.data = frame.data();
-    while (read_frame(&read) == 0) {
+    // Cameras do not start at 0.
+    double start = 0.0;
+    for (bool first = true; read_frame(&read) == 0; first = false) {
         std::printf("%f\n", read.frame_time);
-        write.frame_time = read.frame_time;
+        if (first) start = read.frame_time;
+        write.frame_time = read.frame_time - start;
         if (write_frame(&write) != 0) break;
     }
     std::printf("%s", read.errorMsg[0] ? read.errorMsg : write.errorMsg);

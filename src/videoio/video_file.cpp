@@ -132,7 +132,6 @@ int run_opening(Args* args, Make make_object) {
     if (!check_record(args)) return -1;
     args->handle = nullptr;
     run_guarded(*args, [&] {
-        quieten_library();
         if (check_text(args->videoFileName, sizeof args->videoFileName, args->errorMsg)) {
             make_object(*args);
         }
@@ -178,6 +177,7 @@ void save(VYX_SaveVideoArgs& args) {
     if (std::strcmp(args.codec_name, "avi") == 0) {
         make<VYX_AVIVideoEncoder>(args);
     } else {
+        quieten_library();
         make<VYX_LibAVVideoEncoder>(args);
     }
 }
@@ -185,7 +185,10 @@ void save(VYX_SaveVideoArgs& args) {
 }  // namespace
 
 int open_video(VYX_OpenVideoArgs* args) {
-    return run_opening(args, [](VYX_OpenVideoArgs& open) { make<VYX_VideoDecoder>(open); });
+    return run_opening(args, [](VYX_OpenVideoArgs& open) {
+        quieten_library();
+        make<VYX_VideoDecoder>(open);
+    });
 }
 
 int close_video(void* handle) {

@@ -307,13 +307,13 @@ class PlayerTestCase(unittest.TestCase):
         return last[0]
 
     def picture_at_rest(self, player):
-        """The window of a paused player, once it has stayed the same for a while."""
-        same = []
+        """The window of a paused player, once it stays the same for longer than a label does."""
+        label_seconds = 2
+        last = [None, 0.0]
 
         def rests(picture):
-            if same and same[0] != picture.data:
-                same.clear()
-            same.append(picture.data)
-            return len(same) == 6
+            if picture.data != last[0]:
+                last[:] = picture.data, time.monotonic()
+            return time.monotonic() - last[1] > label_seconds
 
         return player.look_until(rests, "a picture at rest")

@@ -2,6 +2,7 @@
 #include "gui/artwork.h"
 
 #include "gui/drawing_fixture.h"
+#include "gui/golden_picture.h"
 #include "support/pictures.h"
 
 #include <cmath>
@@ -104,10 +105,11 @@ TEST_P(IconPictureTest, IsTheOneThatIsKept) {
     }
     const Difference d = difference(found, read_grey(kept), 3);
     RecordProperty("mean", std::to_string(d.mean));
-    // Measured 0.0013 and 0.00004 with the driver they were made with (llvmpipe), 0.3333 and 0.0016
-    // with another (softpipe).
-    EXPECT_LE(d.largest, 0.34F);
-    EXPECT_LE(d.mean, 0.0025F) << "saved as failed-" << GetParam().name;
+    // With the driver they were made with they differ by what 8 bits round. Measured 0.0013 and
+    // 0.00004 with it, 0.3333 and 0.0016 with another (softpipe).
+    const bool same_driver = foreign_driver().empty();
+    EXPECT_LE(d.largest, same_driver ? 0.002F : 0.34F);
+    EXPECT_LE(d.mean, same_driver ? 0.0001F : 0.0025F) << "saved as failed-" << GetParam().name;
     if (HasFailure()) write_grey("failed-" + GetParam().name + ".pgm", found);
 }
 

@@ -73,6 +73,7 @@ std::vector<std::string> BrowserRig::sorted_rows() const {
 }
 
 void BrowserRig::click_row(int index) {
+    world.clock += 1.0;  // no double click
     ListBoxWidget* list = browser->list;
     const auto top = static_cast<float>(index * list->item_height);
     list->scroll({0.0F, top - 120.0F}, true);

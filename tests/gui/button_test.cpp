@@ -97,6 +97,8 @@ TEST_F(ButtonTest, IsDrawnInItsBoundsWithItsTextInTheMiddle) {
     EXPECT_FLOAT_EQ(text.points[0].y, (24.0F + 0.5F * float(size.second)) / 2.0F);
     EXPECT_EQ(text.color.g, 1.0F);
     EXPECT_TRUE(text.clipped);
+    EXPECT_EQ(text.clip.x, 0.0F);
+    EXPECT_EQ(text.clip.y, 0.0F);
     EXPECT_EQ(text.clip.w, 120.0F);
     EXPECT_EQ(text.clip.h, 24.0F);
     EXPECT_EQ(recorder.open_clips(), 0);

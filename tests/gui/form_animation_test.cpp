@@ -176,16 +176,29 @@ TEST_F(FormAnimationTest, AFormUnderTheMouseIsHiddenWhereItIsCovered) {
     EXPECT_EQ(covered->animation_state, FormWidget::hiding);
 }
 
+// All that a form has but the type code, so that being taken for one is seen.
+class NoForm : public FormWidget {
+  public:
+    NoForm() { type_ = WidgetTypes::container; }
+};
+
 TEST_F(FormAnimationTest, WidgetsThatAreNoFormsAreLeftAlone) {
     form->visible = false;
-    const object_ref<ButtonWidget> button(new ButtonWidget);
-    gui.add(button);
+    const object_ref<NoForm> panel(new NoForm);
+    panel->bounds = {-10, -10, 20, 20};
+    gui.add(panel);
+    const object_ref<FormWidget> covered = add_form({-10, -10, 20, 20});
     form->show();
-    EXPECT_TRUE(button->visible);
+    EXPECT_EQ(covered->animation_state, FormWidget::hiding);
+    EXPECT_EQ(panel->animation_state, FormWidget::idle);
+}
+
+TEST_F(FormAnimationTest, AFormWithoutAParentIsShown) {
     const object_ref<FormWidget> alone(new FormWidget);
     alone->visible = false;
     alone->show();
-    EXPECT_TRUE(alone->visible) << "without a parent";
+    EXPECT_TRUE(alone->visible);
+    EXPECT_EQ(alone->animation_state, FormWidget::showing);
 }
 
 TEST_F(FormAnimationTest, ShowingBringsTheCursorBack) {

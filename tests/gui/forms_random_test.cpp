@@ -54,29 +54,7 @@ class Mouse {
 };
 
 void expect_settings_in_bounds() {
-    const Settings& s = master_settings;
-    for (const Value* value : {&s.brightness,
-                               &s.contrast,
-                               &s.spatial_upscaling_factor,
-                               &s.upscaling_algorithm,
-                               &s.temporal_upscaling_factor,
-                               &s.sharpening_level,
-                               &s.denoising_level,
-                               &s.spatial_zoom,
-                               &s.vsync,
-                               &s.status,
-                               &s.demo_mode,
-                               &s.motion_interpolation_method,
-                               &s.offload_decoding,
-                               &s.inloop_deblocking,
-                               &s.volume,
-                               &s.balance,
-                               &s.eq_low,
-                               &s.eq_mid,
-                               &s.eq_high,
-                               &s.stereo_enhancer,
-                               &s.audio_dnr_level,
-                               &s.audio_latency}) {
+    for (const Value* value : all_settings()) {
         EXPECT_GE(value->getValue(), value->minimum()) << value->name();
         // Steps are floats: the last one may lie a rounding above the end.
         EXPECT_LE(value->getValue(),

@@ -26,7 +26,7 @@ bool player_covers_screen() {
 
 // The size of every text; without a texture nothing is drawn.
 void load_font() {
-    if (default_font.GetTexWidth() > 0) return;
+    if (default_font.find('A')) return;
     const unsigned char* data = nullptr;
     int size = 0;
     load_resource("GLF", "DEFAULT", &data, &size);
@@ -84,32 +84,36 @@ FakeChooser::FakeChooser() {
     visible = false;
 }
 
-void reset_settings() {
+std::vector<Value*> all_settings() {
     Settings& s = master_settings;
-    for (Value* value : {&s.brightness,
-                         &s.contrast,
-                         &s.spatial_upscaling_factor,
-                         &s.upscaling_algorithm,
-                         &s.temporal_upscaling_factor,
-                         &s.sharpening_level,
-                         &s.denoising_level,
-                         &s.spatial_zoom,
-                         &s.vsync,
-                         &s.status,
-                         &s.demo_mode,
-                         &s.show_original,
-                         &s.motion_interpolation_method,
-                         &s.offload_decoding,
-                         &s.inloop_deblocking,
-                         &s.recursive_filtering_threshold,
-                         &s.volume,
-                         &s.balance,
-                         &s.eq_low,
-                         &s.eq_mid,
-                         &s.eq_high,
-                         &s.stereo_enhancer,
-                         &s.audio_dnr_level,
-                         &s.audio_latency})
+    return {&s.brightness,
+            &s.contrast,
+            &s.spatial_upscaling_factor,
+            &s.upscaling_algorithm,
+            &s.temporal_upscaling_factor,
+            &s.sharpening_level,
+            &s.denoising_level,
+            &s.spatial_zoom,
+            &s.vsync,
+            &s.status,
+            &s.demo_mode,
+            &s.show_original,
+            &s.motion_interpolation_method,
+            &s.offload_decoding,
+            &s.inloop_deblocking,
+            &s.recursive_filtering_threshold,
+            &s.volume,
+            &s.balance,
+            &s.eq_low,
+            &s.eq_mid,
+            &s.eq_high,
+            &s.stereo_enhancer,
+            &s.audio_dnr_level,
+            &s.audio_latency};
+}
+
+void reset_settings() {
+    for (Value* value : all_settings())
         value->setValue(value->default_value());
 }
 

@@ -114,5 +114,8 @@ class FormsRig {
     GuiEnvironment outside_;
 };
 
+/// Every one of them.
+std::vector<Value*> all_settings();
+
 /// Puts every setting to its default.
 void reset_settings();

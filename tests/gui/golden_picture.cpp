@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "gui/golden_picture.h"
 
+#include <GL/glew.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,15 +21,19 @@ void save(const std::string& name, const PngPicture& found, const PngPicture& go
 
 }  // namespace
 
-void expect_golden(const std::string& name, const PngPicture& found, PictureLimits limits) {
-    const std::string kept = GOLDEN_FOLDER "/" + name + ".png";
+void expect_golden(const std::string& name, const PngPicture& found, PictureLimits limits,
+                   const std::string& folder) {
+    const std::string kept = folder + "/" + name + ".png";
     if (std::getenv("VYX_WRITE_GOLDEN")) {
         ASSERT_TRUE(write_png(kept, found));
         return;
     }
     const PngPicture golden = read_png(kept);
-    ASSERT_EQ(found.width, golden.width);
-    ASSERT_EQ(found.height, golden.height);
+    if (found.width != golden.width || found.height != golden.height) {
+        write_png("failed-" + name + ".png", found);
+        FAIL() << found.width << " x " << found.height << " is not the size of " << kept
+               << "; saved as failed-" << name;
+    }
     int largest = 0;
     double sum = 0.0;
     for (std::size_t i = 0; i < found.bytes.size(); ++i) {
@@ -42,4 +47,9 @@ void expect_golden(const std::string& name, const PngPicture& found, PictureLimi
     EXPECT_LE(largest, limits.largest) << "saved as failed-" << name;
     EXPECT_LE(mean, limits.mean) << "saved as failed-" << name;
     if (largest > limits.largest || mean > limits.mean) save(name, found, golden);
+}
+
+std::string foreign_driver() {
+    const std::string driver = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+    return driver.find("llvmpipe") == std::string::npos ? driver : "";
 }

@@ -11,7 +11,12 @@ struct PictureLimits {
     double mean;
 };
 
-/// Compares with the picture kept as golden/`name`.png and fails the test where it differs by more.
-/// What was found and where it differs is left as failed-`name`.png then. With VYX_WRITE_GOLDEN set
-/// the picture is kept instead.
-void expect_golden(const std::string& name, const PngPicture& found, PictureLimits limits);
+/// Compares with the picture kept as `name`.png in `folder` and fails the test where it differs by
+/// more. What was found and where it differs is left as failed-`name`.png then. With
+/// VYX_WRITE_GOLDEN set the picture is kept instead.
+void expect_golden(const std::string& name, const PngPicture& found, PictureLimits limits,
+                   const std::string& folder = GOLDEN_FOLDER);
+
+/// The name of the driver where it is not the one that kept pictures are made with (llvmpipe), else
+/// empty. Lines on the border of two pixels light either of them. Needs a GL context.
+std::string foreign_driver();

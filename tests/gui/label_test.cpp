@@ -85,6 +85,7 @@ TEST_F(LabelTest, IsDrawnInTheTextColourWithinItsRectangle) {
     EXPECT_EQ(text.color.g, 1.0F);
     EXPECT_TRUE(text.clipped);
     EXPECT_EQ(text.clip.x, 0.0F);
+    EXPECT_EQ(text.clip.y, 0.0F);
     EXPECT_EQ(text.clip.w, 200.0F);
     EXPECT_EQ(text.clip.h, 60.0F);
 }
@@ -121,6 +122,7 @@ TEST_F(LabelTest, ABalloonHasATailBelow) {
     EXPECT_NEAR(outlines[0].points[8].y, 20.0F, 1e-4);
     EXPECT_GT(outlines[0].points[4].x, 25.0F);
     EXPECT_LT(outlines[0].points[8].x, 15.0F);
+    EXPECT_EQ(recorder.text("00:00").clip.y, 0.0F);
     EXPECT_EQ(recorder.text("00:00").clip.h, 20.0F);
 }
 

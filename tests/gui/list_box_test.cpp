@@ -224,6 +224,8 @@ TEST_F(ListBoxTest, RowsHaveTextAndASeparator) {
     EXPECT_EQ(text.points[0].x, 10.0F);
     EXPECT_FLOAT_EQ(text.points[0].y, (40.0F + 0.5F * float(size.second)) / 2.0F);
     EXPECT_EQ(text.scale, 0.5F);
+    EXPECT_EQ(text.clip.x, 0.0F);
+    EXPECT_EQ(text.clip.y, 0.0F);
     EXPECT_EQ(text.clip.w, 300.0F);
     EXPECT_EQ(text.clip.h, 200.0F);
     const auto lines = recorder.of_kind(Drawn::line);

@@ -3,6 +3,7 @@
 #include "gui/browser_rig.h"
 
 #include <climits>
+#include <ostream>
 
 namespace {
 
@@ -16,6 +17,13 @@ struct Step {
     std::string next;  // empty: nothing
     std::string previous;
 };
+
+// Names the test: rows, number of folders, selected one.
+std::ostream& operator<<(std::ostream& out, const Step& step) {
+    for (const std::string& row : step.rows)
+        out << row << ' ';
+    return out << step.directories << ' ' << step.selected;
+}
 
 const Step steps[] = {
     // One after the other.

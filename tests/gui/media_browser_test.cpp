@@ -155,6 +155,27 @@ TEST_F(BrowserTest, PathsBelowTheRootHaveOneSeparator) {
     EXPECT_EQ(opened(), Rows{"/a.mp4"});
 }
 
+TEST_F(BrowserTest, DoubleClickChoosesOnce) {
+    directory("sub");
+    file("a.mp4");
+    file("sub/b.mp4");
+    file("sub/c.mp4");
+    browser->update();
+    click_row("[sub]");
+    const pointf there = world.mouse;
+    world.clock += 0.2;
+    world.click(there);
+    EXPECT_EQ(opened(), Rows{}) << "not what has come to lie there";
+    EXPECT_EQ(browser->current_directory, path("sub"));
+    click_row("b.mp4");
+    EXPECT_EQ(opened(), Rows{path("sub/b.mp4")});
+    world.pass(0.3);
+    world.click(world.mouse);
+    EXPECT_EQ(opened(), Rows{}) << "the list is shrinking away";
+    browser->play_next();
+    EXPECT_EQ(opened().size(), 1U);
+}
+
 TEST_F(BrowserTest, BackReturnsThroughTheHistory) {
     directory("sub");
     directory("sub/deep");

@@ -186,6 +186,8 @@ TEST_F(OptionListTest, TextsStandInTheMiddleOfTheirOptions) {
         const Drawn drawn = recorder.text(text);
         EXPECT_EQ(drawn.scale, 0.5F);
         EXPECT_FLOAT_EQ(drawn.points[0].x, r.x + (r.w - 0.5F * width_of(text)) / 2.0F);
+        EXPECT_EQ(drawn.clip.x, 0.0F);
+        EXPECT_EQ(drawn.clip.y, 0.0F);
         EXPECT_EQ(drawn.clip.w, 200.0F);
         EXPECT_EQ(drawn.clip.h, 24.0F);
         EXPECT_FLOAT_EQ(drawn.color.r, i == 2 ? 128.0F / 255.0F : 1.0F);

@@ -219,7 +219,10 @@ TEST_F(SliderTest, IsDrawnAsTrackGroovesKnobAndLabel) {
     EXPECT_FLOAT_EQ(text.points[0].x, 272.0F - (60.0F + 0.5F * float(size.first)) / 2.0F);
     EXPECT_FLOAT_EQ(text.points[0].y, (24.0F + 0.5F * float(size.second)) / 2.0F);
     EXPECT_EQ(text.scale, 0.5F);
+    EXPECT_EQ(text.clip.x, 0.0F);
+    EXPECT_EQ(text.clip.y, 0.0F);
     EXPECT_EQ(text.clip.w, 272.0F);
+    EXPECT_EQ(text.clip.h, 24.0F);
     EXPECT_EQ(recorder.open_clips(), 0);
 }
 

@@ -17,11 +17,8 @@ class WidgetPictureTest : public GlTest {
   protected:
     void SetUp() override {
         GlTest::SetUp();
-        static const bool font = [] {
-            create_default_font();
-            return true;
-        }();
-        EXPECT_TRUE(font);
+        create_default_font();
+        ASSERT_GT(default_font.GetCharWidth('A'), 0);
         reshape_gl(window_width, window_height);
         GuiWorld::resize(800, 600);
         // One unit is one pixel, the origin in the middle.
@@ -96,6 +93,15 @@ TEST_F(WidgetPictureTest, ItsListGoesWithIt) {
     form = nullptr;
     EXPECT_EQ(list_counts.deleted, before.deleted + 1);
     EXPECT_FALSE(glIsList(list));
+}
+
+TEST_F(WidgetPictureTest, AFormThatWasNeverDrawnHasNoListToDelete) {
+    const ListCounts before = list_counts;
+    object_ref<FormWidget> fresh(new FormWidget);
+    EXPECT_EQ(fresh->display_list, 0U);
+    fresh = nullptr;
+    EXPECT_EQ(list_counts.named, before.named);
+    EXPECT_EQ(list_counts.deleted, before.deleted);
 }
 
 TEST_F(WidgetPictureTest, TextIsSeenWhileDraggedFadingAndZooming) {

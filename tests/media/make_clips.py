@@ -111,6 +111,8 @@ CLIPS = {
     "mpeg4_nob.avi": numbered() + MPEG4 + ["-bf", "0"],
     "mpeg4_qpel.mp4": numbered() + MPEG4 + ["-bf", "0", "-flags", "+qpel"],
     "h264.mp4": numbered() + tone() + X264 + KEY_25 + ["-c:a", "aac"],
+    "one_key.mp4": numbered() + tone() + X264 + ["-g", "1000", "-c:a", "aac"],
+    "late_start.ts": numbered() + tone() + X264 + KEY_25 + ["-c:a", "aac", "-output_ts_offset", "1000"],
     "h264.mkv": numbered() + tone() + X264 + KEY_25 + ["-c:a", "libvorbis"],
     "h264_nob.mp4": numbered() + X264 + KEY_25 + ["-bf", "0", "-refs", "1"],
     "hevc.mkv": numbered() + ["-c:v", "libx265", "-preset", "ultrafast", "-x265-params", "log-level=none"],

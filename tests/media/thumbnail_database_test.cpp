@@ -123,14 +123,10 @@ TEST_F(ThumbnailCache, AmongEqualsTheFirstByNameGoes) {
     EXPECT_TRUE(has(numbered(1)));
 }
 
-TEST_F(ThumbnailCache, EntryOfThatNameStays) {
-    Thumbnail first = with_picture("film", 4, 4);
-    first.flat = 1;
-    ThumbnailDatabase::Add(first);
-    ThumbnailDatabase::Add(with_picture("film", 8, 8));  // a leak here ends a sanitized run
-    ThumbnailDatabase::Add(first);                       // the same picture again
-    Thumbnail other = named("other");
-    ThumbnailDatabase::Add(other);
+TEST_F(ThumbnailCache, ClearForgetsAll) {
+    ThumbnailDatabase::Add(with_picture("film", 4, 4));  // a leak here ends a sanitized run
+    ThumbnailDatabase::Add(named("other"));
+    EXPECT_TRUE(has("other"));
     ThumbnailDatabase::Clear();
     EXPECT_FALSE(has("film"));
     EXPECT_FALSE(has("other"));
@@ -175,6 +171,21 @@ TEST_F(ThumbnailTextures, FirstLookUpMakesTheTexture) {
         return Rgba{value(p[0]), value(p[1]), value(p[2]), 1.0F};
     });
     EXPECT_LT(largest_difference(texels, wanted), 1e-6F);  // measured: 0
+}
+
+TEST_F(ThumbnailTextures, EntryOfThatNameStays) {
+    Thumbnail first = with_picture("film", 4, 4);
+    first.flat = 1;
+    ThumbnailDatabase::Add(first);
+    ThumbnailDatabase::Add(with_picture("film", 8, 8));  // a leak here ends a sanitized run
+    ThumbnailDatabase::Add(first);                       // the same picture again
+    const Thumbnail found = ThumbnailDatabase::Lookup("film", false);
+    EXPECT_EQ(found.picture, first.picture);
+    EXPECT_EQ(found.flat, 1);
+    ASSERT_NE(found.texture, nullptr);
+    EXPECT_EQ(found.texture->width(), 4);
+    ThumbnailDatabase::Clear();
+    EXPECT_EQ(ThumbnailDatabase::Lookup("film", false).name, "");
 }
 
 TEST_F(ThumbnailTextures, NextLookUpFindsIt) {

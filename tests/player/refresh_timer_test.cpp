@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 
 namespace {
 
@@ -55,6 +56,26 @@ class RefreshTimerTest : public PlayerTest {
         return refreshes;
     }
 
+    // Waits without taking events, which `wait_until` does.
+    static bool comes_true(const std::function<bool()>& condition) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!condition() && std::chrono::steady_clock::now() < deadline)
+            SDL_Delay(1);
+        return condition();
+    }
+
+    // Waits until every timer that is armed and due within 20 ms has fired: SDL's timers fire one
+    // after the other, and one that fires a second time leaves none behind that was due at its
+    // first.
+    static bool timers_fired() {
+        static std::atomic<int> times;
+        times = 0;
+        SDL_AddTimer(
+            20, [](Uint32 interval, void*) -> Uint32 { return ++times < 2 ? interval : 0; },
+            nullptr);
+        return comes_true([] { return times == 2; });
+    }
+
     // Waits for a refresh and tells how many milliseconds after `start` it came.
     static double wait_refresh(std::chrono::steady_clock::time_point start) {
         SDL_Event event;
@@ -77,7 +98,7 @@ TEST_F(RefreshTimerTest, ComesAndNeverEarly) {
 TEST_F(RefreshTimerTest, SurplusTimersPostNothing) {
     for (int i = 0; i < 5; ++i)
         schedule_refresh(nullptr, 10);
-    SDL_Delay(40);
+    ASSERT_TRUE(timers_fired());
     EXPECT_TRUE(refresh_scheduled);
     EXPECT_EQ(drain(), 1);
 }
@@ -105,8 +126,8 @@ TEST_F(RefreshTimerTest, FreeRunningNeedsAPictureAndTheTopFactor) {
 TEST_F(RefreshTimerTest, FullQueueDelaysTheRefreshButLosesNone) {
     while (push_event(event_alloc_picture, nullptr)) {}
     schedule_refresh(nullptr, 10);
-    SDL_Delay(30);
-    EXPECT_FALSE(refresh_scheduled) << "nothing could be posted";
+    ASSERT_TRUE(timers_fired());
+    ASSERT_TRUE(comes_true([] { return !refresh_scheduled; })) << "nothing could be posted";
     // Taking the events that fill the queue makes room; the timer tries again.
     const auto start = std::chrono::steady_clock::now();
     EXPECT_LT(wait_refresh(start), 1000.0);

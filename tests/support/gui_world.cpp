@@ -14,7 +14,7 @@ GuiWorld* world = nullptr;
 GuiEnvironment environment_before;
 
 void measure_with_default_font() {
-    if (default_font.GetTexWidth() != 0) return;
+    if (default_font.find('A')) return;
     const unsigned char* data = nullptr;
     int size = 0;
     load_resource("GLF", "DEFAULT", &data, &size);

@@ -33,12 +33,30 @@ std::string output_of(const std::string& command) {
     return output;
 }
 
+namespace {
+
+std::string decoding(const std::string& path, const std::string& format) {
+    return "ffmpeg -nostdin -v quiet -i '" + path +
+           "' -map 0:v:0 -vsync passthrough -sws_flags neighbor -pix_fmt " + format +
+           " -f rawvideo -";
+}
+
+}  // namespace
+
 Bytes decoded_by_ffmpeg(const std::string& path, const std::string& format) {
-    const std::string frames =
-        output_of("ffmpeg -nostdin -v quiet -i '" + path +
-                  "' -map 0:v:0 -vsync passthrough -sws_flags neighbor -pix_fmt " + format +
-                  " -f rawvideo -");
+    const std::string frames = output_of(decoding(path, format));
     return {frames.begin(), frames.end()};
+}
+
+FfmpegFrames::FfmpegFrames(const std::string& path, const std::string& format)
+    : pipe_(popen(decoding(path, format).c_str(), "r")) {}
+
+FfmpegFrames::~FfmpegFrames() {
+    pclose(pipe_);
+}
+
+bool FfmpegFrames::next(Bytes& frame) {
+    return std::fread(frame.data(), 1, frame.size(), pipe_) == frame.size();
 }
 
 std::string probed(const std::string& path, const std::string& entries, bool count) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,21 @@ std::string output_of(const std::string& command);
 /// The frames of a film as ffmpeg decodes and converts them, one after the other. `format` is
 /// "rgb24" or "rgb48le".
 Bytes decoded_by_ffmpeg(const std::string& path, const std::string& format);
+
+/// The same one after the other.
+class FfmpegFrames {
+  public:
+    FfmpegFrames(const std::string& path, const std::string& format);
+    ~FfmpegFrames();
+    FfmpegFrames(const FfmpegFrames&) = delete;
+    FfmpegFrames& operator=(const FfmpegFrames&) = delete;
+
+    /// Fills `frame`; false when there is no whole one any more.
+    bool next(Bytes& frame);
+
+  private:
+    FILE* pipe_;
+};
 
 /// Values that ffprobe tells of the first stream, in the order of ffprobe, with commas between.
 std::string probed(const std::string& path, const std::string& entries, bool count = false);

@@ -78,12 +78,12 @@ void add_bars(Exhibition& all) {
 
 }  // namespace
 
-bool write_forms(const std::string& path) {
+PngPicture form_sheet() {
     Sheet sheet(1120, 1000);
     sheet.heading(30, 20, "Forms");
     Exhibition all(sheet);
     add_settings(all);
     add_menus(all);
     add_bars(all);
-    return sheet.write(path);
+    return sheet.picture();
 }

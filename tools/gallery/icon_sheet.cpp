@@ -133,10 +133,10 @@ void add_outlines(Sheet& sheet) {
 
 }  // namespace
 
-bool write_icons(const std::string& path) {
+PngPicture icon_sheet() {
     Sheet sheet(950, 1280);
     add_menu_icons(sheet);
     add_transport_icons(sheet);
     add_outlines(sheet);
-    return sheet.write(path);
+    return sheet.picture();
 }

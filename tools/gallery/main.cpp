@@ -37,9 +37,9 @@ int main(int argc, char** argv) {
     create_default_font();
     defaultStyle = new WidgetStyle;
     const std::string folder = argv[1];
-    const bool written = write_widgets(folder + "/gallery-widgets.png") &&
-                         write_icons(folder + "/gallery-icons.png") &&
-                         write_forms(folder + "/gallery-forms.png");
+    const bool written = write_png(folder + "/gallery-widgets.png", widget_sheet()) &&
+                         write_png(folder + "/gallery-icons.png", icon_sheet()) &&
+                         write_png(folder + "/gallery-forms.png", form_sheet());
     if (!written) std::fprintf(stderr, "Cannot write into %s\n", folder.c_str());
     SDL_Quit();
     return written ? 0 : 1;

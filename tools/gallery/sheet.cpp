@@ -73,7 +73,7 @@ void Sheet::draw() {
     }
 }
 
-bool Sheet::write(const std::string& path) {
+PngPicture Sheet::picture() {
     const rectf everything(0, 0, static_cast<float>(width_), static_cast<float>(height_));
-    return write_png(path, drawn_picture(width_, height_, everything, [this] { draw(); }));
+    return drawn_picture(width_, height_, everything, [this] { draw(); });
 }

@@ -3,6 +3,8 @@
 
 #include "gui/widget_container.h"
 
+#include "support/png_picture.h"
+
 #include <functional>
 #include <string>
 
@@ -24,8 +26,8 @@ class Sheet {
     void add(float x, float y, pointf size, float zoom, const std::string& text,
              std::function<void()> draw);
 
-    /// False where the file cannot be written.
-    bool write(const std::string& path);
+    /// The page, over plain dark green. Needs a GL context with the default font.
+    PngPicture picture();
 
   private:
     struct Drawing {

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <string>
+#include "support/png_picture.h"
 
-// Each draws one sheet into a PNG file of that name; false where it cannot be written. [main]
+// The sheets of the gallery. They need a GL context, the default font and the default style, and
+// are the same whatever the window. [main]
 
-bool write_widgets(const std::string& path);
-bool write_icons(const std::string& path);
-bool write_forms(const std::string& path);
+/// Every widget in every state.
+PngPicture widget_sheet();
+/// Every icon and every kind of outline.
+PngPicture icon_sheet();
+/// Every form. `gui` is empty afterwards and every setting at its default.
+PngPicture form_sheet();

@@ -149,7 +149,7 @@ void add_forms(Sheet& sheet) {
 
 }  // namespace
 
-bool write_widgets(const std::string& path) {
+PngPicture widget_sheet() {
     Sheet sheet(950, 1100);
     add_sliders(sheet);
     add_option_lists(sheet);
@@ -157,5 +157,5 @@ bool write_widgets(const std::string& path) {
     add_labels(sheet);
     add_lists(sheet);
     add_forms(sheet);
-    return sheet.write(path);
+    return sheet.picture();
 }
