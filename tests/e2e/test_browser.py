@@ -270,6 +270,7 @@ class Browser(PlayerTestCase):
             hand.do("mousemove", *hand.on_screen(NEUTRAL), "click", "--repeat", 14, "--delay", 2, notch)
         hand.click(row_place(7))
         wait_for(lambda: player.title() != "VYX Video Player - [small.mp4]", 15, "another film")
+        player.key("l")  # it is short, and the next one would close the browser
         player.look_until(lambda shot: not browser_shown(shot) and shot.count(lambda r, g, b: max(r, g, b) > 60) > 5000,
                           "its picture", 15)
         self.reopen(player)
