@@ -12,6 +12,9 @@ extern "C" {
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <new>
+#include <utility>
 
 namespace {
 
@@ -52,12 +55,11 @@ bool VYX_LibAVVideoEncoder::allocate(ErrorMessage& message, const AVOutputFormat
     AVFormatContext* made = nullptr;
     avformat_alloc_output_context2(&made, container, nullptr, path);
     if (made) container_.reset(made);
-    source_.reset(av_frame_alloc());
     destination_.reset(av_frame_alloc());
     packet_.reset(av_packet_alloc());
     encoder_.reset(avcodec_alloc_context3(codec_));
     if (made) stream_ = avformat_new_stream(made, nullptr);
-    if (stream_ && source_ && destination_ && packet_ && encoder_) return true;
+    if (stream_ && destination_ && packet_ && encoder_) return true;
     return set_error(message, "%s", no_structures);
 }
 
@@ -126,13 +128,15 @@ void VYX_LibAVVideoEncoder::WriteFrame(VYX_WriteFrameArgs* args) {
     set_error(args->errorMsg, "%s failed: %s\n", failed_call_, error_text(error_).c_str());
 }
 
-// Whether the frame is like the one before; the first may have any size.
+// Whether the frame is like the one before; the first may have any size that a buffer can have.
 bool VYX_LibAVVideoEncoder::accept(VYX_WriteFrameArgs& args) const {
     const bool first = !scaler_;
     const int height = first ? encoder_->height : source_->height;
     const int width = first ? encoder_->width : source_->width;
     const bool same = args.frame_height == height && args.frame_width == width;
-    const bool any = first && args.frame_height > 0 && args.frame_width > 0;
+    const bool any =
+        first && args.frame_height > 0 && args.frame_width > 0 &&
+        av_image_get_buffer_size(source_format_, args.frame_width, args.frame_height, 1) > 0;
     if ((!same && !any) || args.bytes_per_pixel != 3) {
         return set_error(args.errorMsg, "incorrect dimensions, expected %dx%dx%d!\n", height, width,
                          3);
@@ -140,31 +144,48 @@ bool VYX_LibAVVideoEncoder::accept(VYX_WriteFrameArgs& args) const {
     return args.data ? true : set_error(args.errorMsg, "Frame data not set!\n");
 }
 
+// With the first frame. What fails here leaves the next one to be the first.
 bool VYX_LibAVVideoEncoder::prepare_scaler(VYX_WriteFrameArgs& args) {
     if (scaler_) return true;
-    source_->format = source_format_;
-    source_->width = args.frame_width;
-    source_->height = args.frame_height;
+    FramePtr source(av_frame_alloc());
+    if (!source) throw std::bad_alloc();
+    source->format = source_format_;
+    source->width = args.frame_width;
+    source->height = args.frame_height;
+    if (av_frame_get_buffer(source.get(), 0) < 0) throw std::bad_alloc();
     const bool same = args.frame_width == encoder_->width && args.frame_height == encoder_->height;
     scaler_.reset(sws_getContext(args.frame_width, args.frame_height, source_format_,
                                  encoder_->width, encoder_->height, encoder_->pix_fmt,
                                  same ? SWS_POINT : SWS_BICUBIC, nullptr, nullptr, nullptr));
-    return scaler_ ? true : set_error(args.errorMsg, "sws_getContext failed\n");
+    if (!scaler_) return set_error(args.errorMsg, "sws_getContext failed\n");
+    source_ = std::move(source);
+    return true;
+}
+
+// The scaler reads whole groups of pixels, beyond the end of a row and of the frame: it gets a copy
+// with room there. Colours of an odd width are made of the last pixel and the one after it, which
+// has to be the same.
+void VYX_LibAVVideoEncoder::take(const std::uint8_t* data) {
+    const int row = av_image_get_linesize(source_format_, source_->width, 0);
+    av_image_copy_plane(source_->data[0], source_->linesize[0], data, row, row, source_->height);
+    const int pixel = row / source_->width;
+    if (row + pixel > source_->linesize[0]) return;
+    for (int y = 0; y < source_->height; ++y) {
+        std::uint8_t* end = source_->data[0] + std::ptrdiff_t{y} * source_->linesize[0] + row;
+        std::copy_n(end - pixel, pixel, end);
+    }
 }
 
 bool VYX_LibAVVideoEncoder::convert(VYX_WriteFrameArgs& args) {
-    // The scaler only reads.
-    auto* data = const_cast<std::uint8_t*>(static_cast<const std::uint8_t*>(args.data));
-    av_image_fill_arrays(source_->data, source_->linesize, data, source_format_, source_->width,
-                         source_->height, 1);
+    take(static_cast<const std::uint8_t*>(args.data));
     int result = av_frame_make_writable(destination_.get());
     if (result >= 0) {
         result = sws_scale(scaler_.get(), source_->data, source_->linesize, 0, source_->height,
                            destination_->data, destination_->linesize);
     }
     if (result >= 0) return true;
-    return set_error(args.errorMsg, "avcodec_encode_video failed: %s\n",
-                     error_text(result).c_str());
+    fail("avcodec_encode_video", result);
+    return false;
 }
 
 std::int64_t VYX_LibAVVideoEncoder::next_pts(double seconds) {

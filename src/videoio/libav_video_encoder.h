@@ -28,6 +28,7 @@ class VYX_LibAVVideoEncoder : public VYX_VideoEncoder {
 
     bool accept(VYX_WriteFrameArgs& args) const;
     bool prepare_scaler(VYX_WriteFrameArgs& args);
+    void take(const std::uint8_t* data);
     bool convert(VYX_WriteFrameArgs& args);
     std::int64_t next_pts(double seconds);
     int encode(const AVFrame* frame);
@@ -39,7 +40,7 @@ class VYX_LibAVVideoEncoder : public VYX_VideoEncoder {
     FormatOutputPtr container_;
     CodecContextPtr encoder_;
     AVStream* stream_ = nullptr;
-    FramePtr source_;       ///< the caller's data; format and size of the frame before
+    FramePtr source_;       ///< copy of the caller's, of the first one's size; null before
     FramePtr destination_;  ///< in the format that is encoded
     ScalerPtr scaler_;
     PacketPtr packet_;

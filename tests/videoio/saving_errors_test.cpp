@@ -186,6 +186,25 @@ TEST_F(SavingErrors, FirstFrames) {
     std::filesystem::remove(folder_.path("film.avi"));
 }
 
+TEST_F(SavingErrors, FirstFramesThatNoBufferHolds) {
+    for (const int bits : {8, 16}) {
+        {
+            VYX_SaveVideoArgs record = args("mpeg4");
+            record.bits_per_color = bits;
+            WrittenFilm film(record);
+            const Bytes frame(64 * 32 * 3 * static_cast<std::size_t>(bits) / 8, 7);
+            film.write.frame_width = film.write.frame_height = 65536;
+            EXPECT_EQ(film.frame(frame, 0.0), 1);
+            EXPECT_STREQ(film.write.errorMsg, "incorrect dimensions, expected 32x64x3!\n");
+            film.write.frame_width = 64;
+            film.write.frame_height = 32;
+            EXPECT_EQ(film.frame(frame, 0.0), 0) << film.write.errorMsg;
+        }
+        EXPECT_EQ(probed(folder_.path("film.avi"), "nb_read_frames", true), "1");
+        std::filesystem::remove(folder_.path("film.avi"));
+    }
+}
+
 // Files of this process cannot become larger than this.
 class FileSizeLimit {
   public:
