@@ -109,7 +109,7 @@ typedef struct VYX_SaveVideoArgs {
     int32_t bit_rate;                     /* in: bits per second to aim at */
     int32_t group_of_pictures; /* in: at most so many frames from key frame to key frame */
     int32_t frame_rate;        /* in: frames per second, at least 1 */
-    int32_t bits_per_color;    /* in: 8 or 16, what write_frame gets */
+    int32_t bits_per_color;    /* in: 8 or 16, what write_frame gets; 8 with "avi" */
     char reserved[520];        /* not used */
 } VYX_SaveVideoArgs;
 
@@ -192,7 +192,7 @@ VYX_VIDEO_API int seek_frame(VYX_SeekFrameArgs* args);
      "Name too long: it has no NUL!\n"                 of the file or the codec.
      "Invalid frame size: %dx%d!\n"                    width and height below 1, or frames of 2 GiB.
      "Invalid frame rate: %d!\n"                       below 1.
-     "Invalid number of bits per color: %d!"           neither 8 nor 16, or, with "avi", 16.
+     "Invalid number of bits per color: %d!"           neither 8 nor 16, or, with "avi", not 8.
      "Could not open file for writing!\n"              with the codec "avi".
      "Could not deduce output format from file extension!"
      "Could not deduce output format for the codec!"

@@ -26,7 +26,6 @@ constexpr double latest_pts = 1099511627776.0;  // 2^40
 
 VYX_LibAVVideoEncoder::VYX_LibAVVideoEncoder(VYX_SaveVideoArgs* args) {
     open(*args);
-    refused_ = args->errorMsg[0] != '\0';
 }
 
 VYX_LibAVVideoEncoder::~VYX_LibAVVideoEncoder() {
@@ -37,17 +36,18 @@ bool VYX_LibAVVideoEncoder::open(VYX_SaveVideoArgs& args) {
     OutputChoice choice;
     if (!choose_output(args, choice)) return false;
     codec_ = choice.encoder;
-    // A wrong number of bits is told, and what follows is carried out all the same.
+    // A wrong number of bits is told, and the codec is opened all the same, but no file: there may
+    // be one already.
     const bool bits_known = set_formats(args);
-    const bool positive = args.width > 0 && args.height > 0;
-    if (!positive || av_image_get_buffer_size(source_format_, args.width, args.height, 1) < 0) {
-        return set_error(args.errorMsg, "Invalid frame size: %dx%d!\n", args.width, args.height);
-    }
     ErrorMessage later{};
     auto& message = bits_known ? args.errorMsg : later;
+    const bool positive = args.width > 0 && args.height > 0;
+    if (!positive || av_image_get_buffer_size(source_format_, args.width, args.height, 1) < 0) {
+        return set_error(message, "Invalid frame size: %dx%d!\n", args.width, args.height);
+    }
     if (!allocate(message, choice.container, args.videoFileName)) return false;
     configure(args);
-    return open_codec(message) && open_file(message, args.videoFileName);
+    return open_codec(message) && bits_known && open_file(message, args.videoFileName);
 }
 
 bool VYX_LibAVVideoEncoder::allocate(ErrorMessage& message, const AVOutputFormat* container,
@@ -220,7 +220,7 @@ int VYX_LibAVVideoEncoder::encode(const AVFrame* frame) {
 
 // Completes the file, with what the encoder has held back.
 void VYX_LibAVVideoEncoder::finish() {
-    if (refused_ || failed_call_ || encode(nullptr) < 0) return;
+    if (failed_call_ || encode(nullptr) < 0) return;
     const bool ended = av_write_trailer(container_.get()) >= 0;
     const bool file = !(container_->oformat->flags & AVFMT_NOFILE);
     const bool closed = !file || avio_closep(&container_->pb) >= 0;

@@ -45,7 +45,6 @@ class VYX_LibAVVideoEncoder : public VYX_VideoEncoder {
     ScalerPtr scaler_;
     PacketPtr packet_;
     bool header_written_ = false;
-    bool refused_ = false;  ///< the record was wrong: nothing of this is to stay
     // What has ended the writing: FFmpeg's muxers do not bear that a packet is missing.
     const char* failed_call_ = nullptr;
     int error_ = 0;

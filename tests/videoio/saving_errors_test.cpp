@@ -107,9 +107,40 @@ TEST_F(SavingErrors, BitsPerColour) {
         EXPECT_EQ(failure(wrong),
                   "Invalid number of bits per color: " + std::to_string(bits) + "!");
     }
-    VYX_SaveVideoArgs raw = args("avi");
-    raw.bits_per_color = 16;
-    EXPECT_EQ(failure(raw), "Invalid number of bits per color: 16!");
+    for (const int bits : {16, 12, 0, -8, 24}) {
+        VYX_SaveVideoArgs raw = args("avi");
+        raw.bits_per_color = bits;
+        EXPECT_EQ(failure(raw), "Invalid number of bits per color: " + std::to_string(bits) + "!");
+    }
+}
+
+TEST_F(SavingErrors, WrongBitsAndAWrongSize) {
+    VYX_SaveVideoArgs wrong = args("mpeg4");
+    wrong.bits_per_color = 12;
+    wrong.width = 0;
+    EXPECT_EQ(failure(wrong), "Invalid number of bits per color: 12!") << "the first message stays";
+}
+
+// A record that is wrong costs nobody the film that is there.
+TEST_F(SavingErrors, WrongRecordsLeaveExistingFilesAlone) {
+    std::ofstream(folder_.path("film.avi")) << "something else";
+    const auto expect_untouched = [&](const char* codec, auto spoil) {
+        VYX_SaveVideoArgs wrong = args(codec);
+        spoil(wrong);
+        EXPECT_NE(failure(wrong), "");
+        const Bytes bytes = file_bytes(folder_.path("film.avi"));
+        EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "something else") << codec;
+    };
+    for (const char* codec : {"avi", "mpeg4", ""}) {
+        expect_untouched(codec, [](VYX_SaveVideoArgs& wrong) { wrong.bits_per_color = 12; });
+        expect_untouched(codec, [](VYX_SaveVideoArgs& wrong) { wrong.bits_per_color = 0; });
+        expect_untouched(codec, [](VYX_SaveVideoArgs& wrong) { wrong.width = 0; });
+        expect_untouched(codec, [](VYX_SaveVideoArgs& wrong) { wrong.height = 1 << 30; });
+        expect_untouched(codec, [](VYX_SaveVideoArgs& wrong) { wrong.frame_rate = 0; });
+    }
+    expect_untouched("mpeg4", [](VYX_SaveVideoArgs& wrong) { wrong.width = 65536; });
+    expect_untouched("nosuchcodec", [](VYX_SaveVideoArgs&) {});
+    std::filesystem::remove(folder_.path("film.avi"));
 }
 
 TEST_F(SavingErrors, WithWrongBitsTheCodecIsOpenedAllTheSame) {
