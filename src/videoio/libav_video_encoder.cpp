@@ -7,12 +7,14 @@
 #include "videoio/video_decoder.h"
 
 extern "C" {
+#include <libavutil/avstring.h>
 #include <libavutil/imgutils.h>
 }
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -21,6 +23,15 @@ namespace {
 constexpr char no_structures[] = "Could not initialize encoder structures. Possibly out-of-memory!";
 // Time stamps beyond this, in frames, are beyond any container.
 constexpr double latest_pts = 1099511627776.0;  // 2^40
+
+// The file that FFmpeg makes of a name, which may begin with "file:"; null when it makes none but
+// uses another protocol.
+const char* file_of(const char* name) {
+    const char* protocol = avio_find_protocol_name(name);
+    if (!protocol || std::strcmp(protocol, "file") != 0) return nullptr;
+    av_strstart(name, "file:", &name);
+    return name;
+}
 
 }  // namespace
 
@@ -111,7 +122,7 @@ bool VYX_LibAVVideoEncoder::open_file(ErrorMessage& message, const char* path) {
             return set_error(message, "could not open file for writing: %s!\n",
                              error_text(result).c_str());
         }
-        partial_.begin(path);
+        if (const char* file = file_of(path)) partial_.begin(file);
     }
     const int result = avformat_write_header(container_.get(), nullptr);
     header_written_ = result >= 0;

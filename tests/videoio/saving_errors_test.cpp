@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What cannot be written: a clear message, and no file that looks like a film.
 
+#include "videoio/file_size_limit.h"
 #include "videoio/output_container.h"
 #include "videoio/video_fixture.h"
 
@@ -9,9 +10,7 @@ extern "C" {
 }
 
 #include <sys/mman.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <cstring>
 #include <fstream>
 
@@ -235,26 +234,6 @@ TEST_F(SavingErrors, FirstFramesThatNoBufferHolds) {
         std::filesystem::remove(folder_.path("film.avi"));
     }
 }
-
-// Files of this process cannot become larger than this.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    rlimit before_{};
-    void (*handler_)(int);
-};
 
 // Writes noise until that fails, at most a hundred frames. Returns the message.
 std::string message_when_full(const VYX_SaveVideoArgs& args) {
