@@ -167,7 +167,13 @@ VYX_VIDEO_API int open_video(VYX_OpenVideoArgs* args);
 VYX_VIDEO_API int read_frame(VYX_ReadFrameArgs* args);
 
 /* Moves to the first key frame at or after a time, or, when there is none, to the last one before
-   it. A time before the start stands for the start. Returns as read_frame does.
+   it. A time up to the first frame's stands for the start. Returns as read_frame does.
+
+   Containers that search for a time (MPEG programme and transport streams) look for the time of
+   decoding, which is a little earlier than frame_time where frames are reordered: a key frame at
+   the time, or as little after it, may be passed over. That no key frame follows shows there only
+   when read_frame comes to the end, which then goes back once. A film without time stamps knows the
+   way to its start only.
 
    Frames that the decoder has not given out yet come first: read on until `frame_time` is what you
    look for. Text:
