@@ -26,7 +26,8 @@
      "Out of memory!\n"
      "Unexpected error: %s!\n"
 
-   A null record gives -1 and leaves no message. No call prints, throws or ends the process.
+   A null record gives -1 and leaves no message. No call prints, but for
+   list_videoinput_devicenames; none throws or ends the process.
 
    Ownership. The caller owns records and buffers of frames; the library keeps no pointer to them
    after a call. It owns what a handle stands for until close_video.
@@ -160,14 +161,21 @@ VYX_VIDEO_API int open_video(VYX_OpenVideoArgs* args);
      "incorrect dimensions!\n"          height, width or bytes per pixel; nothing has been read.
      "Frame data not set!\n"            `data` is null; nothing has been read.
      "read_and_decode failed: %s\n"     with "End of file" after the last frame; otherwise for a
-                                        damaged part, after which reading may go on.
+                                        damaged part, after which reading may go on: "Operation not
+                                        permitted" stands for 1000 packets without a frame.
      "sws_getContext failed\n"          the frame's kind of pixels cannot be converted.
 
    Reading on after the end gives the end again. */
 VYX_VIDEO_API int read_frame(VYX_ReadFrameArgs* args);
 
 /* Moves to the first key frame at or after a time, or, when there is none, to the last one before
-   it. A time before the start stands for the start. Returns as read_frame does.
+   it. A time up to the first frame's stands for the start. Returns as read_frame does.
+
+   Containers that search for a time (MPEG programme and transport streams) look for the time of
+   decoding, which is a little earlier than frame_time where frames are reordered: a key frame at
+   the time, or as little after it, may be passed over. That no key frame follows shows there only
+   when read_frame comes to the end, which then goes back once. A film without time stamps knows the
+   way to its start only.
 
    Frames that the decoder has not given out yet come first: read on until `frame_time` is what you
    look for. Text:
@@ -241,7 +249,7 @@ VYX_VIDEO_API int close_video(void* handle);
    number of devices in `*count`. Otherwise copies as many names as there are, at most `*count`, to
    names[0], names[1] and so on, buffers of `max_len` bytes each; longer names are cut, and the NUL
    is always there. Then stores the number of devices, which can be larger. A null `count` does
-   nothing. */
+   nothing. Where /dev cannot be opened there are no devices, and standard error tells why. */
 VYX_VIDEO_API void list_videoinput_devicenames(char** names, int* count, int max_len);
 
 /* Frees `n` strings and the array that holds them, all of them from malloc. Null is ignored. */

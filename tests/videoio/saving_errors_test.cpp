@@ -267,14 +267,9 @@ TEST_F(SavingErrors, FilesWhoseEndDoesNotFit) {
 TEST_F(SavingErrors, FullDisks) {
     EXPECT_EQ(message_when_full(save_args("/dev/full", "avi", 64, 32)),
               "Could not write to file: No space left on device!\n");
-    VYX_SaveVideoArgs device = save_args("/dev/full", "mpeg4", 64, 32);
-    if (save_video(&device) == 0) {
-        close_video(device.handle);
-        EXPECT_EQ(message_when_full(device),
-                  "av_interleaved_write_frame failed: No space left on device\n");
-    } else {
-        EXPECT_STREQ(device.errorMsg, "could not write header: No space left on device!\n");
-    }
+    // The header waits in a buffer.
+    EXPECT_EQ(message_when_full(save_args("/dev/full", "mpeg4", 64, 32)),
+              "av_interleaved_write_frame failed: No space left on device\n");
     EXPECT_TRUE(exists("/dev/full")) << "devices stay";
 }
 
