@@ -34,6 +34,12 @@ def row_place(index, scrolled=0):
     return -300, LIST_TOP + ROW * index + ROW / 2 - scrolled
 
 
+def click_row(hand, index, scrolled=0):
+    """A click that is not the second one of a double click, which the list ignores."""
+    time.sleep(0.3)
+    hand.click(row_place(index, scrolled))
+
+
 def shown_as(name):
     """A name as a row shows it: what the font has not got is a question mark."""
     text = name.decode("utf-8", "replace")
@@ -101,7 +107,7 @@ class Browser(PlayerTestCase):
             rows = listed(here)
             player.look_until(lambda shot, rows=rows: all(row_shows(shot, i, row) for i, row in enumerate(rows)),
                               f"the rows of {here}")
-            hand.click(row_place(rows.index(b"[" + name.encode() + b"]")))
+            click_row(hand, rows.index(b"[" + name.encode() + b"]"))
             here = os.path.join(here, name)
             player.look_until(lambda shot, here=here: browser_shown(shot, here), here)
         for here in (self.path("holidays"), self.folder):
@@ -110,12 +116,12 @@ class Browser(PlayerTestCase):
         hand.click(BACK)  # there is nothing before
         player.look_until(lambda shot: browser_shown(shot, self.folder), "the same folder")
         for name in ("holidays", "sea"):
-            hand.click(row_place(listed(here).index(b"[" + name.encode() + b"]")))
+            click_row(hand, listed(here).index(b"[" + name.encode() + b"]"))
             here = os.path.join(here, name)
             player.look_until(lambda shot, here=here: browser_shown(shot, here), here)
         rows = listed(here)
         player.look_until(lambda shot: row_shows(shot, rows.index(b"boat.mkv"), b"boat.mkv"), "the film's row")
-        hand.click(row_place(rows.index(b"boat.mkv")))
+        click_row(hand, rows.index(b"boat.mkv"))
         self.playing(player, "boat.mkv")
         before = os.path.getsize(sound)
         wait_for(lambda: os.path.getsize(sound) > before + 48000 * 4, 20, "a second of sound")
@@ -195,7 +201,7 @@ class Browser(PlayerTestCase):
             index = rows.index(name)
             if len(name) < 100:
                 player.look_until(lambda shot, i=index, name=name: row_shows(shot, i, name), f"the row of {name}", 20)
-            hand.click(row_place(index))
+            click_row(hand, index)
             first = self.number(player)
             self.await_number(player, lambda number, first=first: number != first, 15, "another picture")
             self.reopen(player)
@@ -212,14 +218,14 @@ class Browser(PlayerTestCase):
         player.look_until(lambda shot: all(row_shows(shot, i, row) for i, row in enumerate(rows)), "all rows", 20)
         os.remove(self.path("gone.mp4"))
         os.rmdir(self.path("gone"))
-        hand.click(row_place(rows.index(b"gone.mp4")))
+        click_row(hand, rows.index(b"gone.mp4"))
         wait_for(lambda: "Cannot display file " + self.path("gone.mp4") in player.output(), 10, "the message")
         self.reopen(player)
-        hand.click(row_place(rows.index(b"[gone]")))
+        click_row(hand, rows.index(b"[gone]"))
         rest = listed(self.folder)
         player.look_until(lambda shot: browser_shown(shot, self.folder)
                           and all(row_shows(shot, i, row) for i, row in enumerate(rest)), "what is left", 20)
-        hand.click(row_place(rest.index(b"here.mp4")))
+        click_row(hand, rest.index(b"here.mp4"))
         self.playing(player, "here.mp4")
         self.assertEqual(player.quit(), 0)
 
@@ -231,14 +237,14 @@ class Browser(PlayerTestCase):
         # Root may read everything.
         user = NOBODY if os.geteuid() == 0 else None
         player, hand = self.browse(self.path("here.mp4"), user=user)
-        hand.click(row_place(listed(self.folder).index(b"[secret]")))
+        click_row(hand, listed(self.folder).index(b"[secret]"))
         player.look_until(lambda shot: browser_shown(shot, self.path("secret")) and row_shows(shot, 0, b"[..]"),
                           "a list with nothing but the way up")
         shot = player.look()
         self.assertFalse(row_shows(shot, 1, b"here.mp4"))
-        hand.click(row_place(0))
+        click_row(hand, 0)
         player.look_until(lambda shot: browser_shown(shot, self.folder), "the folder above")
-        hand.click(row_place(listed(self.folder).index(b"here.mp4")))
+        click_row(hand, listed(self.folder).index(b"here.mp4"))
         self.playing(player, "here.mp4")
         self.assertEqual(player.quit(), 0)
 
@@ -256,7 +262,7 @@ class Browser(PlayerTestCase):
             first = at
         hand.do("click", "--repeat", 1700, "--delay", 1, 5)
         player.look_until(lambda shot: row_shows(shot, len(rows) - 1, rows[-1], len(rows) * ROW - 488), "the end", 60)
-        hand.click(row_place(len(rows) - 1, len(rows) * ROW - 488))
+        click_row(hand, len(rows) - 1, len(rows) * ROW - 488)
         self.playing(player, rows[-1].decode())
         self.assertEqual(player.quit(), 0)
 
@@ -268,7 +274,7 @@ class Browser(PlayerTestCase):
         player, hand = self.browse(self.path("small.mp4"))
         for notch in (4, 5):
             hand.do("mousemove", *hand.on_screen(NEUTRAL), "click", "--repeat", 14, "--delay", 2, notch)
-        hand.click(row_place(7))
+        click_row(hand, 7)
         wait_for(lambda: player.title() != "VYX Video Player - [small.mp4]", 15, "another film")
         player.key("l")  # it is short, and the next one would close the browser
         player.look_until(lambda shot: not browser_shown(shot) and shot.count(lambda r, g, b: max(r, g, b) > 60) > 5000,
@@ -279,7 +285,7 @@ class Browser(PlayerTestCase):
         hand.do("click", "--repeat", place // 3, "--delay", 2, 5)
         top = min(place // 3 * 3 * ROW, len(rows) * ROW - 488)
         player.look_until(lambda shot: row_shows(shot, place, b"small.mp4", top), "the row of the first film", 20)
-        hand.click(row_place(place, top))
+        click_row(hand, place, top)
         self.playing(player, "small.mp4")
         self.assertEqual(player.quit(), 0)
 
@@ -296,7 +302,7 @@ class Browser(PlayerTestCase):
             "while thumbnails are made": lambda player, hand: player.key("F1"),
             "while a form comes": lambda player, hand: player.key("F2"),
             "while a film is opened": lambda player, hand: (
-                player.key("F1"), player.look_until(browser_shown, "the browser", 20), hand.click(row_place(3))),
+                player.key("F1"), player.look_until(browser_shown, "the browser", 20), click_row(hand, 3)),
             "during a drag": lambda player, hand: (hand.move(BUTTONS["next"]), hand.press((-100, 262))),
         }  # fmt: skip
         for moment, bring in moments.items():
