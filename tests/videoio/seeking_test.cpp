@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <ostream>
 #include <vector>
 
 namespace {
@@ -88,6 +89,10 @@ struct Landings {
     int count;  ///< of frames
     std::vector<Landing> landings;
 };
+
+void PrintTo(const Landings& film, std::ostream* out) {
+    *out << film.name;
+}
 
 // Films whose containers search for time stamps, and films whose pictures around a key frame are
 // put together from both sides of it: none may come from what was decoded before the seek.
