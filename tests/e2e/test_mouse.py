@@ -167,6 +167,8 @@ class Mouse(PlayerTestCase):
             player.look_until(lambda shot: transport_shown(shot) and menu_shown(shot), f"bars after {edge}")
             hand.move(NEUTRAL)
             player.look_until(lambda shot: not transport_shown(shot) and not menu_shown(shot), "no bars", 15)
+            # A bar that is fading does not come back for a click.
+            time.sleep(0.3)
         for place, shown in ((TRANSPORT.middle, transport_shown), (ICONS["files"], menu_shown)):
             hand.move(place)
             player.look_until(shown, "the bar under the pointer")
