@@ -1,6 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""contact_sheet.py FILM SHEET.png: sixteen pictures of a film, from its start to its end, on one sheet.
+"""contact_sheet.py FILM SHEET.png [SECONDS]: sixteen pictures of a film, from its start to its end, on one sheet.
+
+Each picture is the first one at its place or after it. To a place more than SECONDS (10) ahead the program jumps: to
+the first key frame there, or, when none follows, to the last one before, from which it reads on. Parts of the film
+that are damaged are passed over and told, and the program then ends with 1.
 
 Uses libvyxvideo through ctypes and nothing but the standard library. The library is the one that
 VYX_VIDEO_LIBRARY names, else the one that was installed together with this file, else the one that the
@@ -17,8 +21,10 @@ import zlib
 COLUMNS = ROWS = 4
 THUMB_WIDTH = 240  # pixels, at most
 GAP = 4
-# Closer together than this, reading on is quicker than jumping to the next key frame.
+# Closer together than this, reading on is quicker than jumping to a key frame.
 WORTH_A_JUMP = 10.0  # seconds
+MOST_FAILURES = 1000  # in a row: nothing will come any more
+END = b"read_and_decode failed: End of file\n"
 Text = ctypes.c_char * 512
 
 
@@ -63,8 +69,12 @@ def load_library():
 class Film:
     """The frames of a film, one after the other."""
 
-    def __init__(self, library, name):
+    def __init__(self, library, name, worth_a_jump):
         self.library = library
+        self.worth_a_jump = worth_a_jump
+        self.damaged = 0  # how often reading failed before the end
+        if len(os.fsencode(name)) >= ctypes.sizeof(Text):
+            raise OSError(f"{name}: the name is too long")
         self.info = OpenVideoArgs(size=ctypes.sizeof(OpenVideoArgs), videoFileName=os.fsencode(name))
         if library.open_video(ctypes.byref(self.info)) != 0:
             raise OSError(self.info.errorMsg.decode(errors="replace").strip())
@@ -76,14 +86,27 @@ class Film:
         )  # fmt: skip
 
     def read(self):
-        """Reads the next frame; False at the end."""
-        return self.library.read_frame(ctypes.byref(self.args)) == 0
+        """Reads the next frame, past what is damaged; False at the end."""
+        failed_in_a_row = 0
+        while self.library.read_frame(ctypes.byref(self.args)) != 0:
+            if self.args.errorMsg == END:
+                return False
+            self.damaged += 1
+            failed_in_a_row += 1
+            if failed_in_a_row == MOST_FAILURES:
+                print(self.args.errorMsg.decode(errors="replace").strip(), file=sys.stderr)
+                return False
+        return True
 
     def read_at(self, seconds):
-        """Reads the first frame at a time or after it; False when there is none."""
-        if seconds - self.args.frame_time > WORTH_A_JUMP:
+        """Reads the first frame at a time or after it; False when there is none.
+
+        After a jump that is the first key frame there. Where none follows, the jump goes back to the last one, and
+        the frame is found from there. A film that cannot jump is read through.
+        """
+        if seconds - self.args.frame_time > self.worth_a_jump:
             args = SeekFrameArgs(size=ctypes.sizeof(SeekFrameArgs), handle=self.info.handle, seek_time=seconds)
-            self.library.seek_frame(ctypes.byref(args))  # a film that cannot seek is read through
+            self.library.seek_frame(ctypes.byref(args))
         while self.read():
             if self.args.frame_time >= seconds - 1e-6:
                 return True
@@ -136,11 +159,12 @@ def write_png(path, rows):
 
 
 def main():
-    if len(sys.argv) != 3:
-        sys.exit("usage: contact_sheet.py FILM SHEET.png")
+    if len(sys.argv) not in (3, 4):
+        sys.exit("usage: contact_sheet.py FILM SHEET.png [SECONDS]")
     try:
-        film = Film(load_library(), sys.argv[1])
-    except OSError as error:
+        worth_a_jump = float(sys.argv[3]) if len(sys.argv) == 4 else WORTH_A_JUMP
+        film = Film(load_library(), sys.argv[1], worth_a_jump)
+    except (OSError, ValueError) as error:
         sys.exit(str(error))
     thumbs = []
     if film.read():
@@ -155,6 +179,8 @@ def main():
         sys.exit(f"{sys.argv[1]} has no frame that can be read")
     write_png(sys.argv[2], arrange(thumbs))
     print(f"{len(thumbs)} pictures of {film.info.frame_width} x {film.info.frame_height}")
+    if film.damaged:
+        sys.exit(f"{sys.argv[1]} is damaged: {film.damaged} parts could not be read")
 
 
 if __name__ == "__main__":

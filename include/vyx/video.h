@@ -26,7 +26,8 @@
      "Out of memory!\n"
      "Unexpected error: %s!\n"
 
-   A null record gives -1 and leaves no message. No call prints, throws or ends the process.
+   A null record gives -1 and leaves no message. No call prints, but for
+   list_videoinput_devicenames; none throws or ends the process.
 
    Ownership. The caller owns records and buffers of frames; the library keeps no pointer to them
    after a call. It owns what a handle stands for until close_video.
@@ -109,7 +110,7 @@ typedef struct VYX_SaveVideoArgs {
     int32_t bit_rate;                     /* in: bits per second to aim at */
     int32_t group_of_pictures; /* in: at most so many frames from key frame to key frame */
     int32_t frame_rate;        /* in: frames per second, at least 1 */
-    int32_t bits_per_color;    /* in: 8 or 16, what write_frame gets */
+    int32_t bits_per_color;    /* in: 8 or 16, what write_frame gets; 8 with "avi" */
     char reserved[520];        /* not used */
 } VYX_SaveVideoArgs;
 
@@ -160,14 +161,21 @@ VYX_VIDEO_API int open_video(VYX_OpenVideoArgs* args);
      "incorrect dimensions!\n"          height, width or bytes per pixel; nothing has been read.
      "Frame data not set!\n"            `data` is null; nothing has been read.
      "read_and_decode failed: %s\n"     with "End of file" after the last frame; otherwise for a
-                                        damaged part, after which reading may go on.
+                                        damaged part, after which reading may go on: "Operation not
+                                        permitted" stands for 1000 packets without a frame.
      "sws_getContext failed\n"          the frame's kind of pixels cannot be converted.
 
    Reading on after the end gives the end again. */
 VYX_VIDEO_API int read_frame(VYX_ReadFrameArgs* args);
 
 /* Moves to the first key frame at or after a time, or, when there is none, to the last one before
-   it. A time before the start stands for the start. Returns as read_frame does.
+   it. A time up to the first frame's stands for the start. Returns as read_frame does.
+
+   Containers that search for a time (MPEG programme and transport streams) look for the time of
+   decoding, which is a little earlier than frame_time where frames are reordered: a key frame at
+   the time, or as little after it, may be passed over. That no key frame follows shows there only
+   when read_frame comes to the end, which then goes back once. A film without time stamps knows the
+   way to its start only.
 
    Frames that the decoder has not given out yet come first: read on until `frame_time` is what you
    look for. Text:
@@ -183,8 +191,9 @@ VYX_VIDEO_API int seek_frame(VYX_SeekFrameArgs* args);
    frames follow each other at the frame rate, whatever their time, and bit_rate and
    group_of_pictures are not looked at. They hold less than 4 GiB. An empty codec chooses container
    and codec by the extension of the file. Any other codec is an encoder of FFmpeg, and the
-   container is then the first one that has this codec as its own, whatever the extension: "mpeg4"
-   makes AVI files.
+   container is then the first one of a single file that has this codec as its own, whatever the
+   extension: "mpeg4" makes AVI files. Containers that make their own files, one per picture or per
+   part of the film, are chosen by an extension only.
 
    Pixels are converted to what the encoder takes: 4:2:0 for MPEG-4; otherwise RGB with the bits of
    the record, or, when the encoder does not take that, its own first format. Texts:
@@ -192,7 +201,7 @@ VYX_VIDEO_API int seek_frame(VYX_SeekFrameArgs* args);
      "Name too long: it has no NUL!\n"                 of the file or the codec.
      "Invalid frame size: %dx%d!\n"                    width and height below 1, or frames of 2 GiB.
      "Invalid frame rate: %d!\n"                       below 1.
-     "Invalid number of bits per color: %d!"           neither 8 nor 16, or, with "avi", 16.
+     "Invalid number of bits per color: %d!"           neither 8 nor 16, or, with "avi", not 8.
      "Could not open file for writing!\n"              with the codec "avi".
      "Could not deduce output format from file extension!"
      "Could not deduce output format for the codec!"
@@ -203,7 +212,12 @@ VYX_VIDEO_API int seek_frame(VYX_SeekFrameArgs* args);
      "could not open file for writing: %s!\n"
      "could not write header: %s!\n"
 
-   A failed call leaves no file behind. */
+   The file is opened last: a call that fails before leaves a film of that name as it was, and one
+   that fails in writing the header removes it. A name for FFmpeg may begin with "file:".
+
+   Sequences of pictures ("%05d.png" with an empty codec) are files that FFmpeg opens one by one
+   with each frame: nothing of them is removed when one cannot be written, neither those before it
+   nor what there is of the last one. */
 VYX_VIDEO_API int save_video(VYX_SaveVideoArgs* args);
 
 /* Writes one frame. Returns as read_frame does.
@@ -222,19 +236,20 @@ VYX_VIDEO_API int save_video(VYX_SaveVideoArgs* args);
 
    "avcodec_encode_video", "av_interleaved_write_frame" and "Could not write" mean that the file
    cannot become complete any more: they stay for every further frame, and close_video removes the
-   file. */
+   file, but for sequences of pictures. */
 VYX_VIDEO_API int write_frame(VYX_WriteFrameArgs* args);
 
-/* Closes a handle of either kind; a file that was written is complete afterwards, and one that
-   could not be completed, because the disk is full, is removed. Null and handles that are closed
-   already do nothing. Returns 0. */
+/* Closes a handle of either kind. A file that was written is complete afterwards. One that could
+   not be completed, because the disk is full, is removed: the one that was opened, wherever the
+   working folder or links lead since, unless another file has taken its place. Devices and
+   sequences of pictures stay. Null and handles that are closed already do nothing. Returns 0. */
 VYX_VIDEO_API int close_video(void* handle);
 
 /* Tells the names of the capture devices. With a null `names` or a `*count` of 0, stores only the
    number of devices in `*count`. Otherwise copies as many names as there are, at most `*count`, to
    names[0], names[1] and so on, buffers of `max_len` bytes each; longer names are cut, and the NUL
    is always there. Then stores the number of devices, which can be larger. A null `count` does
-   nothing. */
+   nothing. Where /dev cannot be opened there are no devices, and standard error tells why. */
 VYX_VIDEO_API void list_videoinput_devicenames(char** names, int* count, int max_len);
 
 /* Frees `n` strings and the array that holds them, all of them from malloc. Null is ignored. */

@@ -175,6 +175,11 @@ void close_audio(VideoState* is) {
 void audio_callback(void* userdata, Uint8* stream, int len) {
     set_thread_role(ThreadRole::audio);
     auto* is = static_cast<VideoState*>(userdata);
+    // Set once everything else is: that SDL was told to start orders nothing between the threads.
+    if (is->audio_stream_index < 0) {
+        std::memset(stream, 0, static_cast<std::size_t>(len));
+        return;
+    }
     AudioOutput& out = *is->audio;
     const double duration = static_cast<double>(len) / out.bytes_per_second();
     out.wait_until = SDL_GetTicks() + static_cast<Uint32>(duration * 500.0);

@@ -21,9 +21,10 @@ constexpr Uint32 double_click_ms = 250;
 // The button that is being held over the interface, 0 for none.
 int held_button = 0;
 
-// A second button must not take what the first one drags. Releases can get lost, though.
+// A second button must not take what the first one drags. Releases can get lost, though, or lie in
+// the queue still: what is not held now ends before another button begins.
 bool is_held() {
-    return held_button && (gui_environment.mouse_buttons() & SDL_BUTTON(held_button)) != 0;
+    return (gui_environment.mouse_buttons() & SDL_BUTTON(held_button)) != 0;
 }
 
 bool near_edge(pointf p) {
@@ -43,7 +44,10 @@ void mouse_down(const SDL_MouseButtonEvent& button) {
         cover_screen(!get_fullscreen());
         return;
     }
-    if (held_button != button.button && is_held()) return;
+    if (held_button && held_button != button.button) {
+        if (is_held()) return;
+        gui.mouseup(p, held_button);
+    }
     held_button = button.button;
     const bool pressed = gui.mousedown(p, held_button);
     // A click without the least movement works, too.

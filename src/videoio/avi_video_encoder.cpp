@@ -23,7 +23,7 @@ bool accepts(VYX_SaveVideoArgs& args) {
     if (!positive || padded_row_bytes(args.width) > largest_picture / args.height) {
         return set_error(args.errorMsg, "Invalid frame size: %dx%d!\n", args.width, args.height);
     }
-    if (args.bits_per_color != 16) return true;
+    if (args.bits_per_color == 8) return true;
     return set_error(args.errorMsg, "Invalid number of bits per color: %d!", args.bits_per_color);
 }
 

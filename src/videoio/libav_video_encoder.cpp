@@ -7,11 +7,16 @@
 #include "videoio/video_decoder.h"
 
 extern "C" {
+#include <libavutil/avstring.h>
 #include <libavutil/imgutils.h>
 }
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <new>
+#include <utility>
 
 namespace {
 
@@ -19,11 +24,19 @@ constexpr char no_structures[] = "Could not initialize encoder structures. Possi
 // Time stamps beyond this, in frames, are beyond any container.
 constexpr double latest_pts = 1099511627776.0;  // 2^40
 
+// The file that FFmpeg makes of a name, which may begin with "file:"; null when it makes none but
+// uses another protocol.
+const char* file_of(const char* name) {
+    const char* protocol = avio_find_protocol_name(name);
+    if (!protocol || std::strcmp(protocol, "file") != 0) return nullptr;
+    av_strstart(name, "file:", &name);
+    return name;
+}
+
 }  // namespace
 
 VYX_LibAVVideoEncoder::VYX_LibAVVideoEncoder(VYX_SaveVideoArgs* args) {
     open(*args);
-    refused_ = args->errorMsg[0] != '\0';
 }
 
 VYX_LibAVVideoEncoder::~VYX_LibAVVideoEncoder() {
@@ -34,17 +47,18 @@ bool VYX_LibAVVideoEncoder::open(VYX_SaveVideoArgs& args) {
     OutputChoice choice;
     if (!choose_output(args, choice)) return false;
     codec_ = choice.encoder;
-    // A wrong number of bits is told, and what follows is carried out all the same.
+    // A wrong number of bits is told, and the codec is opened all the same, but no file: there may
+    // be one already.
     const bool bits_known = set_formats(args);
-    const bool positive = args.width > 0 && args.height > 0;
-    if (!positive || av_image_get_buffer_size(source_format_, args.width, args.height, 1) < 0) {
-        return set_error(args.errorMsg, "Invalid frame size: %dx%d!\n", args.width, args.height);
-    }
     ErrorMessage later{};
     auto& message = bits_known ? args.errorMsg : later;
+    const bool positive = args.width > 0 && args.height > 0;
+    if (!positive || av_image_get_buffer_size(source_format_, args.width, args.height, 1) < 0) {
+        return set_error(message, "Invalid frame size: %dx%d!\n", args.width, args.height);
+    }
     if (!allocate(message, choice.container, args.videoFileName)) return false;
     configure(args);
-    return open_codec(message) && open_file(message, args.videoFileName);
+    return open_codec(message) && bits_known && open_file(message, args.videoFileName);
 }
 
 bool VYX_LibAVVideoEncoder::allocate(ErrorMessage& message, const AVOutputFormat* container,
@@ -52,12 +66,11 @@ bool VYX_LibAVVideoEncoder::allocate(ErrorMessage& message, const AVOutputFormat
     AVFormatContext* made = nullptr;
     avformat_alloc_output_context2(&made, container, nullptr, path);
     if (made) container_.reset(made);
-    source_.reset(av_frame_alloc());
     destination_.reset(av_frame_alloc());
     packet_.reset(av_packet_alloc());
     encoder_.reset(avcodec_alloc_context3(codec_));
     if (made) stream_ = avformat_new_stream(made, nullptr);
-    if (stream_ && source_ && destination_ && packet_ && encoder_) return true;
+    if (stream_ && destination_ && packet_ && encoder_) return true;
     return set_error(message, "%s", no_structures);
 }
 
@@ -109,7 +122,7 @@ bool VYX_LibAVVideoEncoder::open_file(ErrorMessage& message, const char* path) {
             return set_error(message, "could not open file for writing: %s!\n",
                              error_text(result).c_str());
         }
-        partial_.begin(path);
+        if (const char* file = file_of(path)) partial_.begin(file);
     }
     const int result = avformat_write_header(container_.get(), nullptr);
     header_written_ = result >= 0;
@@ -126,13 +139,15 @@ void VYX_LibAVVideoEncoder::WriteFrame(VYX_WriteFrameArgs* args) {
     set_error(args->errorMsg, "%s failed: %s\n", failed_call_, error_text(error_).c_str());
 }
 
-// Whether the frame is like the one before; the first may have any size.
+// Whether the frame is like the one before; the first may have any size that a buffer can have.
 bool VYX_LibAVVideoEncoder::accept(VYX_WriteFrameArgs& args) const {
     const bool first = !scaler_;
     const int height = first ? encoder_->height : source_->height;
     const int width = first ? encoder_->width : source_->width;
     const bool same = args.frame_height == height && args.frame_width == width;
-    const bool any = first && args.frame_height > 0 && args.frame_width > 0;
+    const bool any =
+        first && args.frame_height > 0 && args.frame_width > 0 &&
+        av_image_get_buffer_size(source_format_, args.frame_width, args.frame_height, 1) > 0;
     if ((!same && !any) || args.bytes_per_pixel != 3) {
         return set_error(args.errorMsg, "incorrect dimensions, expected %dx%dx%d!\n", height, width,
                          3);
@@ -140,31 +155,48 @@ bool VYX_LibAVVideoEncoder::accept(VYX_WriteFrameArgs& args) const {
     return args.data ? true : set_error(args.errorMsg, "Frame data not set!\n");
 }
 
+// With the first frame. What fails here leaves the next one to be the first.
 bool VYX_LibAVVideoEncoder::prepare_scaler(VYX_WriteFrameArgs& args) {
     if (scaler_) return true;
-    source_->format = source_format_;
-    source_->width = args.frame_width;
-    source_->height = args.frame_height;
+    FramePtr source(av_frame_alloc());
+    if (!source) throw std::bad_alloc();
+    source->format = source_format_;
+    source->width = args.frame_width;
+    source->height = args.frame_height;
+    if (av_frame_get_buffer(source.get(), 0) < 0) throw std::bad_alloc();
     const bool same = args.frame_width == encoder_->width && args.frame_height == encoder_->height;
     scaler_.reset(sws_getContext(args.frame_width, args.frame_height, source_format_,
                                  encoder_->width, encoder_->height, encoder_->pix_fmt,
                                  same ? SWS_POINT : SWS_BICUBIC, nullptr, nullptr, nullptr));
-    return scaler_ ? true : set_error(args.errorMsg, "sws_getContext failed\n");
+    if (!scaler_) return set_error(args.errorMsg, "sws_getContext failed\n");
+    source_ = std::move(source);
+    return true;
+}
+
+// The scaler reads whole groups of pixels, beyond the end of a row and of the frame: it gets a copy
+// with room there. Colours of an odd width are made of the last pixel and the one after it, which
+// has to be the same.
+void VYX_LibAVVideoEncoder::take(const std::uint8_t* data) {
+    const int row = av_image_get_linesize(source_format_, source_->width, 0);
+    av_image_copy_plane(source_->data[0], source_->linesize[0], data, row, row, source_->height);
+    const int pixel = row / source_->width;
+    if (row + pixel > source_->linesize[0]) return;
+    for (int y = 0; y < source_->height; ++y) {
+        std::uint8_t* end = source_->data[0] + std::ptrdiff_t{y} * source_->linesize[0] + row;
+        std::copy_n(end - pixel, pixel, end);
+    }
 }
 
 bool VYX_LibAVVideoEncoder::convert(VYX_WriteFrameArgs& args) {
-    // The scaler only reads.
-    auto* data = const_cast<std::uint8_t*>(static_cast<const std::uint8_t*>(args.data));
-    av_image_fill_arrays(source_->data, source_->linesize, data, source_format_, source_->width,
-                         source_->height, 1);
+    take(static_cast<const std::uint8_t*>(args.data));
     int result = av_frame_make_writable(destination_.get());
     if (result >= 0) {
         result = sws_scale(scaler_.get(), source_->data, source_->linesize, 0, source_->height,
                            destination_->data, destination_->linesize);
     }
     if (result >= 0) return true;
-    return set_error(args.errorMsg, "avcodec_encode_video failed: %s\n",
-                     error_text(result).c_str());
+    fail("avcodec_encode_video", result);
+    return false;
 }
 
 std::int64_t VYX_LibAVVideoEncoder::next_pts(double seconds) {
@@ -199,7 +231,7 @@ int VYX_LibAVVideoEncoder::encode(const AVFrame* frame) {
 
 // Completes the file, with what the encoder has held back.
 void VYX_LibAVVideoEncoder::finish() {
-    if (refused_ || failed_call_ || encode(nullptr) < 0) return;
+    if (failed_call_ || encode(nullptr) < 0) return;
     const bool ended = av_write_trailer(container_.get()) >= 0;
     const bool file = !(container_->oformat->flags & AVFMT_NOFILE);
     const bool closed = !file || avio_closep(&container_->pb) >= 0;

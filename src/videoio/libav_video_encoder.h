@@ -28,6 +28,7 @@ class VYX_LibAVVideoEncoder : public VYX_VideoEncoder {
 
     bool accept(VYX_WriteFrameArgs& args) const;
     bool prepare_scaler(VYX_WriteFrameArgs& args);
+    void take(const std::uint8_t* data);
     bool convert(VYX_WriteFrameArgs& args);
     std::int64_t next_pts(double seconds);
     int encode(const AVFrame* frame);
@@ -39,12 +40,11 @@ class VYX_LibAVVideoEncoder : public VYX_VideoEncoder {
     FormatOutputPtr container_;
     CodecContextPtr encoder_;
     AVStream* stream_ = nullptr;
-    FramePtr source_;       ///< the caller's data; format and size of the frame before
+    FramePtr source_;       ///< copy of the caller's, of the first one's size; null before
     FramePtr destination_;  ///< in the format that is encoded
     ScalerPtr scaler_;
     PacketPtr packet_;
     bool header_written_ = false;
-    bool refused_ = false;  ///< the record was wrong: nothing of this is to stay
     // What has ended the writing: FFmpeg's muxers do not bear that a packet is missing.
     const char* failed_call_ = nullptr;
     int error_ = 0;

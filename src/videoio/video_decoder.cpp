@@ -13,11 +13,13 @@
 #include <cstdio>
 #include <cstring>
 #include <thread>
+#include <utility>
 
 namespace {
 
 constexpr int most_threads = 4;  // every one holds pictures
 constexpr int most_fruitless_packets = 1000;
+constexpr std::int64_t longest_decoding_delay = std::int64_t{10} * AV_TIME_BASE;
 
 bool is_key_picture(const AVFrame& frame) {
 #ifdef AV_FRAME_FLAG_KEY
@@ -187,13 +189,18 @@ int VYX_VideoDecoder::read_and_decode(std::int64_t* pts, bool key_frame_only) {
         if (result >= 0) {
             fruitless = 0;
             if (key_frame_only && !is_key_picture(*frame_)) continue;
+            if (draining_ != Draining::seek) sought_.reset();
             *pts = frame_->best_effort_timestamp;
             return 0;
         }
         if (result == AVERROR_EOF) {
-            if (draining_ != Draining::seek) return result;
+            if (draining_ == Draining::end_of_file) {
+                if (!go_back()) return result;
+                fruitless = 0;
+            }
             avcodec_flush_buffers(decoder_.get());
             draining_ = Draining::no;
+            if (std::exchange(rewound_, false)) next_time_ = 0.0;
         } else if (result != AVERROR(EAGAIN)) {
             return result;
         } else if (fruitless == most_fruitless_packets) {
@@ -213,8 +220,9 @@ int VYX_VideoDecoder::feed() {
         if (result == AVERROR_EOF) return drain(Draining::end_of_file);
         if (result < 0) return result;
         // To the decoder a packet without data would be the end.
-        if (packet_->stream_index == stream_index_ && packet_->size > 0) break;
+        if (is_ours(*packet_) && (!key_packet_ || key_packet_->is(*packet_))) break;
     }
+    key_packet_.reset();
     global_video_pkt_pts = packet_->pts != AV_NOPTS_VALUE ? packet_->pts : packet_->dts;
     const int result = avcodec_send_packet(decoder_.get(), packet_.get());
     av_packet_unref(packet_.get());
@@ -227,13 +235,75 @@ int VYX_VideoDecoder::drain(Draining reason) {
     return begun ? 0 : avcodec_send_packet(decoder_.get(), nullptr);
 }
 
-bool VYX_VideoDecoder::seek_to(std::int64_t target) {
+bool VYX_VideoDecoder::is_ours(const AVPacket& packet) const {
+    return packet.stream_index == stream_index_ && packet.size > 0;
+}
+
+std::int64_t VYX_VideoDecoder::start_time() const {
+    return container_->start_time != AV_NOPTS_VALUE ? container_->start_time : 0;
+}
+
+// Moves the container, in its ticks, forward or backward; in the other direction where there is
+// nothing. Up to the start, that is the very first packet: its decoding time can be earlier, and
+// containers that search for time stamps pass it otherwise. Those without any know bytes only.
+bool VYX_VideoDecoder::move_to(std::int64_t target, int flags) {
+    const bool to_start = target <= start_time();
+    if (to_start) {
+        target = start_time() - longest_decoding_delay;
+        flags = AVSEEK_FLAG_BACKWARD;
+    }
     AVFormatContext* container = container_.get();
-    const bool known = container->start_time != AV_NOPTS_VALUE;
-    target = std::max<std::int64_t>(target, known ? container->start_time : 0);
-    // Where no key frame follows, the last one before.
-    return av_seek_frame(container, -1, target, 0) >= 0 ||
-           av_seek_frame(container, -1, target, AVSEEK_FLAG_BACKWARD) >= 0;
+    return av_seek_frame(container, -1, target, flags) >= 0 ||
+           av_seek_frame(container, -1, target, flags ^ AVSEEK_FLAG_BACKWARD) >= 0 ||
+           (to_start && av_seek_frame(container, -1, 0, AVSEEK_FLAG_BYTE) >= 0);
+}
+
+bool VYX_VideoDecoder::seek_to(std::int64_t target) {
+    std::int64_t first_picture = start_time();
+    if (stream_->start_time != AV_NOPTS_VALUE) {
+        first_picture = av_rescale_q(stream_->start_time, stream_->time_base, AV_TIME_BASE_Q);
+    }
+    if (target <= first_picture) target = std::min(target, start_time());
+    if (!move_to(target, 0)) return false;
+    sought_ = target;
+    rewound_ = target <= start_time();
+    key_packet_.reset();
+    return true;
+}
+
+// Reads from a time to the end, for the last packet with a key frame. `time` becomes that of the
+// first packet there; where there is none it stays.
+std::optional<VYX_VideoDecoder::KeyPacket> VYX_VideoDecoder::last_key_after(std::int64_t& time) {
+    std::optional<KeyPacket> key;
+    bool first = true;
+    if (!move_to(time, AVSEEK_FLAG_BACKWARD)) return key;
+    while (av_packet_unref(packet_.get()), av_read_frame(container_.get(), packet_.get()) >= 0) {
+        if (!is_ours(*packet_)) continue;
+        const std::int64_t stamp = packet_->dts != AV_NOPTS_VALUE ? packet_->dts : packet_->pts;
+        if (first && stamp != AV_NOPTS_VALUE) {
+            time = std::min(time, av_rescale_q(stamp, stream_->time_base, AV_TIME_BASE_Q));
+            first = false;
+        }
+        if (packet_->flags & AV_PKT_FLAG_KEY) key = KeyPacket{packet_->pts, packet_->dts};
+    }
+    return key;
+}
+
+// For a seek after which the end came before any picture: moves to the last key frame before. Some
+// containers do not know where these are: looks from further and further back.
+bool VYX_VideoDecoder::go_back() {
+    if (!sought_) return false;
+    std::int64_t from = *sought_;
+    sought_.reset();
+    for (std::int64_t step = AV_TIME_BASE;; step *= 2) {
+        std::int64_t first = from;
+        if (const auto key = last_key_after(first)) {
+            key_packet_ = key;
+            return move_to(from, AVSEEK_FLAG_BACKWARD);
+        }
+        if (from <= start_time()) return false;
+        from = std::max(start_time(), first - step);
+    }
 }
 
 void VYX_VideoDecoder::Seek(VYX_SeekFrameArgs* args) {

@@ -6,6 +6,9 @@
 #include "videoio/frame_converter.h"
 #include "vyx/video.h"
 
+#include <cstdint>
+#include <optional>
+
 /// Reads the frames of a film or a camera. One thread at a time.
 class VYX_VideoDecoder : public VYX_BaseClass {
   public:
@@ -23,6 +26,15 @@ class VYX_VideoDecoder : public VYX_BaseClass {
     // Why the decoder is being emptied: it takes no packets meanwhile.
     enum class Draining { no, end_of_file, seek };
 
+    struct KeyPacket {
+        std::int64_t pts;
+        std::int64_t dts;
+
+        bool is(const AVPacket& packet) const {
+            return (packet.flags & AV_PKT_FLAG_KEY) && packet.pts == pts && packet.dts == dts;
+        }
+    };
+
     bool open(VYX_OpenVideoArgs& args);
     bool find_input(VYX_OpenVideoArgs& args, const AVInputFormat** format, Dictionary& options);
     bool open_input(VYX_OpenVideoArgs& args);
@@ -34,7 +46,12 @@ class VYX_VideoDecoder : public VYX_BaseClass {
     int read_and_decode(std::int64_t* pts, bool key_frame_only);
     int feed();
     int drain(Draining reason);
+    bool is_ours(const AVPacket& packet) const;
+    std::int64_t start_time() const;
+    bool move_to(std::int64_t target, int flags);
     bool seek_to(std::int64_t target);
+    std::optional<KeyPacket> last_key_after(std::int64_t& time);
+    bool go_back();
     double time_of(std::int64_t pts);
 
     FormatInputPtr container_;
@@ -51,6 +68,9 @@ class VYX_VideoDecoder : public VYX_BaseClass {
     double frame_duration_ = 0.0;
     double next_time_ = 0.0;  ///< of a frame without a time stamp
     Draining draining_ = Draining::no;
+    std::optional<std::int64_t> sought_;   ///< of a seek without a picture yet, container's ticks
+    bool rewound_ = false;                 ///< by a seek: times begin anew
+    std::optional<KeyPacket> key_packet_;  ///< where decoding is to begin
 };
 
 /// How many threads decode or encode one film.

@@ -162,6 +162,13 @@ class Commands(PlayerTestCase):
         player.key("space")
         self.assertEqual(player.quit(), 0)
 
+    def test_the_player_ends_with_its_window(self):
+        player = self.start(clip("h264.mp4"))
+        self.number(player)
+        player.xdotool("windowclose", player.window())  # destroyed, not asked to close
+        self.assertEqual(player.wait(), 1)
+        self.assertIn(" - exiting", player.output())
+
     def test_without_loop_the_next_film_of_the_folder_plays(self):
         with tempfile.TemporaryDirectory() as folder:
             for name in ("q7_mpeg4.avi", "aspect_anamorphic.mkv"):

@@ -151,4 +151,21 @@ TEST(BadFiles, DamagedPartsAreToldAndReadPast) {
     EXPECT_LE(good + damaged, 100);
 }
 
+// 1008 pictures that all refer to one that is not there, and then a key frame with 10 after it.
+TEST(BadFiles, AThousandPacketsWithoutAPictureAreTold) {
+    const TemporaryFolder folder;
+    const std::string whole = folder.path("whole.mkv");
+    const std::string path = folder.path("film.mkv");
+    output_of(
+        "ffmpeg -nostdin -v error -f lavfi -i testsrc=size=32x32:rate=25 -frames:v 1020 "
+        "-c:v libx264 -preset ultrafast -g 1009 -keyint_min 1009 -sc_threshold 0 " +
+        whole);
+    output_of("ffmpeg -nostdin -v error -i " + whole +
+              " -c copy -copyinkf -bsf:v noise=drop='eq(n\\,0)' " + path);
+    ReadFilm film(path);
+    EXPECT_FALSE(film.next());
+    EXPECT_STREQ(film.read.errorMsg, "read_and_decode failed: Operation not permitted\n");
+    EXPECT_EQ(film.all().size(), 11U) << "reading goes on";
+}
+
 }  // namespace

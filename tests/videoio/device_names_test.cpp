@@ -92,6 +92,16 @@ TEST_F(DeviceNames, NegativeCountsAndMissingBuffers) {
     expect_name(1, folder_.path("video1"), 100);
 }
 
+TEST_F(DeviceNames, FoldersThatCannotBeOpened) {
+    int count = 4;
+    ::testing::internal::CaptureStderr();
+    copy_device_names(folder_.path("nothing").c_str(), names_.data(), &count, 100);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "Couldn't open the directory: No such file or directory\n");
+    EXPECT_EQ(count, 0);
+    expect_untouched(0);
+}
+
 TEST_F(DeviceNames, OfThisMachine) {
     int direct = 0;
     copy_device_names("/dev", nullptr, &direct, 0);

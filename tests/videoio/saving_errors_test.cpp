@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What cannot be written: a clear message, and no file that looks like a film.
 
+#include "videoio/file_size_limit.h"
 #include "videoio/output_container.h"
 #include "videoio/video_fixture.h"
 
@@ -9,9 +10,7 @@ extern "C" {
 }
 
 #include <sys/mman.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <cstring>
 #include <fstream>
 
@@ -107,9 +106,40 @@ TEST_F(SavingErrors, BitsPerColour) {
         EXPECT_EQ(failure(wrong),
                   "Invalid number of bits per color: " + std::to_string(bits) + "!");
     }
-    VYX_SaveVideoArgs raw = args("avi");
-    raw.bits_per_color = 16;
-    EXPECT_EQ(failure(raw), "Invalid number of bits per color: 16!");
+    for (const int bits : {16, 12, 0, -8, 24}) {
+        VYX_SaveVideoArgs raw = args("avi");
+        raw.bits_per_color = bits;
+        EXPECT_EQ(failure(raw), "Invalid number of bits per color: " + std::to_string(bits) + "!");
+    }
+}
+
+TEST_F(SavingErrors, WrongBitsAndAWrongSize) {
+    VYX_SaveVideoArgs wrong = args("mpeg4");
+    wrong.bits_per_color = 12;
+    wrong.width = 0;
+    EXPECT_EQ(failure(wrong), "Invalid number of bits per color: 12!") << "the first message stays";
+}
+
+// A record that is wrong costs nobody the film that is there.
+TEST_F(SavingErrors, WrongRecordsLeaveExistingFilesAlone) {
+    std::ofstream(folder_.path("film.avi")) << "something else";
+    const auto expect_untouched = [&](const char* codec, auto spoil) {
+        VYX_SaveVideoArgs wrong = args(codec);
+        spoil(wrong);
+        EXPECT_NE(failure(wrong), "");
+        const Bytes bytes = file_bytes(folder_.path("film.avi"));
+        EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "something else") << codec;
+    };
+    for (const char* codec : {"avi", "mpeg4", ""}) {
+        expect_untouched(codec, [](VYX_SaveVideoArgs& wrong) { wrong.bits_per_color = 12; });
+        expect_untouched(codec, [](VYX_SaveVideoArgs& wrong) { wrong.bits_per_color = 0; });
+        expect_untouched(codec, [](VYX_SaveVideoArgs& wrong) { wrong.width = 0; });
+        expect_untouched(codec, [](VYX_SaveVideoArgs& wrong) { wrong.height = 1 << 30; });
+        expect_untouched(codec, [](VYX_SaveVideoArgs& wrong) { wrong.frame_rate = 0; });
+    }
+    expect_untouched("mpeg4", [](VYX_SaveVideoArgs& wrong) { wrong.width = 65536; });
+    expect_untouched("nosuchcodec", [](VYX_SaveVideoArgs&) {});
+    std::filesystem::remove(folder_.path("film.avi"));
 }
 
 TEST_F(SavingErrors, WithWrongBitsTheCodecIsOpenedAllTheSame) {
@@ -186,25 +216,24 @@ TEST_F(SavingErrors, FirstFrames) {
     std::filesystem::remove(folder_.path("film.avi"));
 }
 
-// Files of this process cannot become larger than this.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
+TEST_F(SavingErrors, FirstFramesThatNoBufferHolds) {
+    for (const int bits : {8, 16}) {
+        {
+            VYX_SaveVideoArgs record = args("mpeg4");
+            record.bits_per_color = bits;
+            WrittenFilm film(record);
+            const Bytes frame(64 * 32 * 3 * static_cast<std::size_t>(bits) / 8, 7);
+            film.write.frame_width = film.write.frame_height = 65536;
+            EXPECT_EQ(film.frame(frame, 0.0), 1);
+            EXPECT_STREQ(film.write.errorMsg, "incorrect dimensions, expected 32x64x3!\n");
+            film.write.frame_width = 64;
+            film.write.frame_height = 32;
+            EXPECT_EQ(film.frame(frame, 0.0), 0) << film.write.errorMsg;
+        }
+        EXPECT_EQ(probed(folder_.path("film.avi"), "nb_read_frames", true), "1");
+        std::filesystem::remove(folder_.path("film.avi"));
     }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    rlimit before_{};
-    void (*handler_)(int);
-};
+}
 
 // Writes noise until that fails, at most a hundred frames. Returns the message.
 std::string message_when_full(const VYX_SaveVideoArgs& args) {
@@ -238,14 +267,9 @@ TEST_F(SavingErrors, FilesWhoseEndDoesNotFit) {
 TEST_F(SavingErrors, FullDisks) {
     EXPECT_EQ(message_when_full(save_args("/dev/full", "avi", 64, 32)),
               "Could not write to file: No space left on device!\n");
-    VYX_SaveVideoArgs device = save_args("/dev/full", "mpeg4", 64, 32);
-    if (save_video(&device) == 0) {
-        close_video(device.handle);
-        EXPECT_EQ(message_when_full(device),
-                  "av_interleaved_write_frame failed: No space left on device\n");
-    } else {
-        EXPECT_STREQ(device.errorMsg, "could not write header: No space left on device!\n");
-    }
+    // The header waits in a buffer.
+    EXPECT_EQ(message_when_full(save_args("/dev/full", "mpeg4", 64, 32)),
+              "av_interleaved_write_frame failed: No space left on device\n");
     EXPECT_TRUE(exists("/dev/full")) << "devices stay";
 }
 

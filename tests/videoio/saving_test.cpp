@@ -230,6 +230,28 @@ TEST_F(Saving, WithoutFrames) {
     EXPECT_EQ(file_bytes(folder_.path("raw.avi")), avi_bytes({}, 32, 32, 25.0F));
 }
 
+TEST_F(Saving, BitRates) {
+    // Bits per second of noise, which takes as many as it may.
+    const auto written = [&](const char* codec, int bit_rate) {
+        const std::string path = folder_.path("film.avi");
+        VYX_SaveVideoArgs args = save_args(path, codec, 160, 96);
+        args.bit_rate = bit_rate;
+        {
+            WrittenFilm film(args);
+            for (unsigned i = 0; i < 50; ++i)
+                EXPECT_EQ(film.frame(noise(160 * 96 * 3, i), i * 0.04), 0);
+        }
+        return static_cast<double>(std::filesystem::file_size(path)) * 8.0 / 2.0;
+    };
+    for (const char* codec : {"mpeg4", "mpeg1video"}) {
+        const double low = written(codec, 800000);
+        const double high = written(codec, 3200000);
+        // Measured: 1.40 and 3.82 Mbit/s (mpeg4), 1.34 and 3.74 (mpeg1video).
+        EXPECT_GT(high, 2.2 * low) << codec;
+        EXPECT_LT(high, 1.4 * 3200000) << codec;
+    }
+}
+
 TEST_F(Saving, WithoutABitRate) {
     const std::string path = folder_.path("film.avi");
     for (const char* codec : {"", "mpeg1video", "avi"}) {

@@ -3,7 +3,8 @@
 
 #include <cmath>
 #include <limits>
-#include <map>
+#include <ostream>
+#include <vector>
 
 namespace {
 
@@ -78,23 +79,109 @@ INSTANTIATE_TEST_SUITE_P(Clips, Seeking,
                                            Seekable{"mjpeg.avi", true}),
                          film_test_name_of<Seekable>);
 
-// Pictures around a key frame of these are put together from both sides of it: none may come from
-// what was decoded before the seek.
-class OpenGroups : public ::testing::TestWithParam<const char*> {};
+struct Landing {
+    double seconds;
+    int place;  ///< of the first frame after the seek
+};
 
-TEST_P(OpenGroups, NothingFromBeforeShinesThrough) {
-    const Frames frames(GetParam());
-    ReadFilm film(clip(GetParam()));
-    for (const double seconds : {3.2, 1.0, 2.0, 0.0, 1.7}) {
+struct Landings {
+    const char* name;
+    int count;  ///< of frames
+    std::vector<Landing> landings;
+};
+
+void PrintTo(const Landings& film, std::ostream* out) {
+    *out << film.name;
+}
+
+// Films whose containers search for time stamps, and films whose pictures around a key frame are
+// put together from both sides of it: none may come from what was decoded before the seek.
+class Lands : public ::testing::TestWithParam<Landings> {};
+
+TEST_P(Lands, AtOnceFromAnywhere) {
+    const Frames frames(GetParam().name);
+    ASSERT_EQ(frames.count(), GetParam().count);
+    for (const auto& [seconds, place] : GetParam().landings) {
+        ReadFilm film(clip(GetParam().name));
         ASSERT_EQ(film.seek(seconds), 0) << seconds;
-        EXPECT_GE(places(film, frames, 20).size(), 10U);
+        const std::vector<int> read = places(film, frames);
+        ASSERT_EQ(static_cast<int>(read.size()), frames.count() - place) << "after " << seconds;
+        for (std::size_t i = 0; i < read.size(); ++i)
+            EXPECT_EQ(read[i], place + static_cast<int>(i)) << "after " << seconds;
+        EXPECT_STREQ(film.read.errorMsg, "read_and_decode failed: End of file\n");
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Clips, OpenGroups,
-                         ::testing::Values("mpeg1.mpg", "mpeg2.mpg", "hevc_open_gop.mkv",
-                                           "h264.mkv"),
-                         film_test_name_of<const char*>);
+TEST_P(Lands, OneSeekAfterTheOther) {
+    const Frames frames(GetParam().name);
+    ReadFilm film(clip(GetParam().name));
+    ASSERT_TRUE(film.next());
+    for (const auto& [seconds, place] : GetParam().landings) {
+        ASSERT_EQ(film.seek(seconds), 0) << seconds;
+        const std::vector<int> read = without_held_back(places(film, frames), place);
+        EXPECT_EQ(static_cast<int>(read.size()), frames.count() - place) << "after " << seconds;
+    }
+}
+
+TEST_P(Lands, WithKeyFramesOnly) {
+    const Frames frames(GetParam().name);
+    for (const auto& [seconds, place] : GetParam().landings) {
+        ReadFilm film(clip(GetParam().name));
+        film.read.key_frame_only = 1;
+        ASSERT_EQ(film.seek(seconds), 0) << seconds;
+        ASSERT_TRUE(film.next()) << "after " << seconds;
+        EXPECT_EQ(frames.place(film.read.frame_time, film.frame), place) << "after " << seconds;
+    }
+}
+
+// Key frames every 12 frames, the first at 0.54 s; B frames between: they are decoded 0.08 s before
+// their time, and the one at 1.02 s is passed by a search for 1 s.
+const std::vector<Landing> programme = {{3.2, 72}, {1.0, 24}, {0.0, 0},   {0.54, 0},
+                                        {-5.0, 0}, {1.7, 36}, {0.55, 12}, {4.39, 96},
+                                        {4.5, 96}, {1e9, 96}, {2.0, 48},  {4.0, 96}};
+// Key frames every second; the sound begins before the picture.
+const std::vector<Landing> late = {{0.0, 0},     {1001.0, 0},  {1001.39, 0}, {1001.4, 0},
+                                   {1001.5, 25}, {1003.0, 50}, {1004.3, 75}, {1004.6, 75},
+                                   {1005.4, 75}, {100000, 75}, {-1.0, 0}};
+const std::vector<Landing> open_groups = {{3.2, 75}, {1.0, 25}, {0.0, 0},
+                                          {1.7, 50}, {-2.0, 0}, {100.0, 75}};
+const std::vector<Landing> bare = {{1.0, 36}, {0.0, 0}, {-1.0, 0}, {0.3, 12}, {5.0, 48}};
+
+INSTANTIATE_TEST_SUITE_P(Clips, Lands,
+                         ::testing::Values(Landings{"mpeg1.mpg", 100, programme},
+                                           Landings{"mpeg2.mpg", 100, programme},
+                                           Landings{"late_start.ts", 100, late},
+                                           Landings{"hevc_open_gop.mkv", 100, open_groups},
+                                           Landings{"h264.mkv", 100, open_groups},
+                                           Landings{"raw.m4v", 50, bare}),
+                         film_test_name_of<Landings>);
+
+TEST(SeekingFilms, FilmsWithoutTimeStampsGoBackToTheirStart) {
+    const std::vector<TimedBytes> frames = ReadFilm(clip("raw.h264")).all();
+    ReadFilm film(clip("raw.h264"));
+    film.all(30);
+    for (const double seconds : {0.0, -1.0}) {
+        ASSERT_EQ(film.seek(seconds), 0) << film.seek_error;
+        // What was held back comes first.
+        const std::vector<TimedBytes> read = film.all();
+        ASSERT_GE(read.size(), frames.size());
+        for (std::size_t i = 0; i < frames.size(); ++i) {
+            const TimedBytes& again = read[read.size() - frames.size() + i];
+            EXPECT_EQ(again.bytes, frames[i].bytes) << i;
+            EXPECT_NEAR(again.seconds, frames[i].seconds, 1e-9) << "times begin anew";
+        }
+    }
+}
+
+// Nothing to go back to is the end as ever.
+TEST(SeekingFilms, WithoutAnyKeyFrame) {
+    ReadFilm film(clip("no_keys.mkv"));
+    film.seek(1.0);
+    EXPECT_FALSE(film.next());
+    EXPECT_STREQ(film.read.errorMsg, "read_and_decode failed: End of file\n");
+    EXPECT_FALSE(film.next()) << "and it stays";
+    EXPECT_STREQ(film.read.errorMsg, "read_and_decode failed: End of file\n");
+}
 
 TEST(SeekingFilms, WhatIsHeldBackComesFirst) {
     const Frames frames("h264.mp4");

@@ -106,10 +106,7 @@ class Installed(unittest.TestCase):
     def test_c_example_with_pkg_config(self):
         env = dict(os.environ, PKG_CONFIG_PATH=os.path.join(self.lib, "pkgconfig"))
         self.assertEqual(run("pkg-config", "--modversion", "vyxvideo", env=env), "1.01\n")
-        flags = run("pkg-config", "--cflags", "--libs", "vyxvideo", env=env).split()
-        program = self.path("grey_film")
-        run("cc", "-std=c99", "-pedantic", "-Wall", "-Wextra", "-Werror", *SANITIZE,
-            os.path.join(self.share, "grey_film.c"), *flags, f"-Wl,-rpath,{self.lib}", "-o", program)  # fmt: skip
+        program = self.build_grey()
         self.check_grey(program, "h264_nob.mp4", self.path("grey.mkv"))
         self.check_grey(program, "hevc_open_gop.mkv", self.path("deep.mp4"))
 
@@ -123,23 +120,82 @@ class Installed(unittest.TestCase):
         run("cmake", "--build", f"{project}/build")
         self.check_grey(f"{project}/build/grey_film", "mpeg4_nob.avi", self.path("grey.avi"))
 
-    def contact_sheet(self, film):
+    def damaged_film(self):
+        """A film with bytes overwritten in its packets, every so often."""
+        with open(os.path.join(MEDIA, "h264_nob.mp4"), "rb") as file:
+            data = bytearray(file.read())
+        for i in range(20000, len(data) - 20000, 9000):
+            data[i : i + 200] = b"\xff" * 200
+        with open(self.path("damaged.mp4"), "wb") as file:
+            file.write(data)
+        return self.path("damaged.mp4")
+
+    def build_grey(self):
+        env = dict(os.environ, PKG_CONFIG_PATH=os.path.join(self.lib, "pkgconfig"))
+        flags = run("pkg-config", "--cflags", "--libs", "vyxvideo", env=env).split()
+        program = self.path("grey_film")
+        run("cc", "-std=c99", "-pedantic", "-Wall", "-Wextra", "-Werror", *SANITIZE,
+            os.path.join(self.share, "grey_film.c"), *flags, f"-Wl,-rpath,{self.lib}", "-o", program)  # fmt: skip
+        return program
+
+    def test_c_example_with_a_damaged_film(self):
+        output = self.path("damaged.mkv")
+        result = subprocess.run([self.build_grey(), self.damaged_film(), output], capture_output=True, text=True,
+                                check=False)  # fmt: skip
+        self.assertEqual(result.returncode, 1)
+        frames = int(result.stdout.split()[0])
+        self.assertGreater(frames, 50)
+        self.assertEqual(result.stdout, f"{frames} frames\n")
+        self.assertEqual(probe(output, "nb_read_frames"), str(frames), "what is good is written")
+        self.assertRegex(result.stderr, r"damaged\.mp4 is damaged: [1-9]\d* parts could not be read\n$")
+
+    def test_c_example_with_long_names(self):
+        program = self.build_grey()
+        for names in (["n" * 512, self.path("out.mkv")], [os.path.join(MEDIA, "h264_nob.mp4"), "n" * 508 + ".mkv"]):
+            result = subprocess.run([program, *names], capture_output=True, text=True, check=False)
+            self.assertEqual(result.returncode, 1)
+            self.assertTrue(result.stderr.endswith("nn: the name is too long\n") or
+                            result.stderr.endswith("nn.mkv: the name is too long\n"), result.stderr)  # fmt: skip
+
+    def contact_sheet(self, film, *more):
         sheet = self.path("sheet.png")
         env = dict(os.environ, LD_PRELOAD=PYTHON_PRELOAD)
         env["ASAN_OPTIONS"] = env.get("ASAN_OPTIONS", "") + ":detect_leaks=0"  # the interpreter's own
-        said = run(sys.executable, os.path.join(self.share, "contact_sheet.py"), film, sheet, env=env)
+        said = run(sys.executable, os.path.join(self.share, "contact_sheet.py"), film, sheet, *more, env=env)
         return said, read_png(sheet)
 
     def test_python_example(self):
         said, (width, height, rows) = self.contact_sheet(os.path.join(MEDIA, "h264_nob.mp4"))
         self.assertEqual(said, "16 pictures of 320 x 180\n")
         self.assertEqual((width, height), (4 * 160 + 5 * 4, 4 * 90 + 5 * 4))
-        # Picture i of 16 is the first one at i / 16 of 4 seconds; its number stands in its top rows.
+        # Picture i of 16 is the first one at i / 16 of 4 seconds.
+        self.assertEqual(self.numbers(rows), [-(-i * 100 // 16) for i in range(16)])
+
+    @staticmethod
+    def numbers(rows):
+        """Of the pictures of a sheet; each has its own in its top rows."""
+        found = []
         for i in range(16):
             x, y = 4 + i % 4 * 164, 4 + i // 4 * 94
             bits = [rows[y + 4][3 * (x + 20 * bit + 10)] > 128 for bit in range(8)]
-            number = sum(2**bit for bit in range(8) if bits[bit])
-            self.assertEqual(number, -(-i * 100 // 16), f"picture {i}")
+            found.append(sum(2**bit for bit in range(8) if bits[bit]))
+        return found
+
+    def test_python_example_that_jumps(self):
+        said, (_, _, rows) = self.contact_sheet(os.path.join(MEDIA, "h264_nob.mp4"), "0.2")
+        self.assertEqual(said, "16 pictures of 320 x 180\n")
+        # Key frames are 25 apart. The first jump, for 0.25 s, lands at 1 s, and the places up to there get what follows.
+        # The jump for 3.5 s finds none, goes back to 3 s and reads on to the place, as for all after it.
+        self.assertEqual(self.numbers(rows), [0, 25, 26, 27, 28, 32, 50, 51, 52, 57, 75, 76, 77, 82, 88, 94])
+
+    def test_python_example_with_a_damaged_film(self):
+        with self.assertRaisesRegex(AssertionError, r"16 pictures[^$]*damaged\.mp4 is damaged: [1-9]\d* parts"):
+            self.contact_sheet(self.damaged_film())
+        self.assertTrue(os.path.exists(self.path("sheet.png")))
+
+    def test_python_example_with_a_long_name(self):
+        with self.assertRaisesRegex(AssertionError, "n: the name is too long"):
+            self.contact_sheet("n" * 512)
 
     def test_python_example_with_deep_colours(self):
         said, (_, _, rows) = self.contact_sheet(os.path.join(MEDIA, "ten_bit.mkv"))
