@@ -35,10 +35,6 @@ FILMS = {
     # The same picture all the time, each by itself, with coarse quantisers.
     "still.mp4": ["-framerate", str(RATE), "-i", PHOTO, "-vf", "scale=320:180,loop=199:1", *X264,
                   "-preset", "veryfast", "-g", "1", "-qp", "42"],
-    # Squares without order that move by a quarter of their width with each picture.
-    "squares.mkv": ["-f", "lavfi", "-i", f"nullsrc=size=320x180:rate={RATE}:duration=20,"
-                    "geq=lum='if(gt(mod(sin(floor((X+8*N)/32)*12.9898+floor(Y/32)*78.233)*43758.5+99999,1),0.5),200,60)'"
-                    ":cb=128:cr=128", *X264, "-bf", "0", "-g", "25"],
     "tones.avi": SMALL_CLOCK + SOUND + MPEG4 + ["-g", str(RATE), "-c:a", "pcm_s16le"],
     "rising.avi": SMALL_CLOCK + RISING + MPEG4 + ["-g", str(RATE), "-ac", "2", "-c:a", "pcm_s16le"],
 }  # fmt: skip
