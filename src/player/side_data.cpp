@@ -40,7 +40,8 @@ void write_vector(VideoPicture* slot, const AVMotionVector& mv) {
     // dst is the middle of the partition. Positions come from the stream: they may lie outside.
     const Cells across = covered_cells(mv.dst_x - mv.w / 2, mv.w, slot->grid_width);
     const Cells down = covered_cells(mv.dst_y - mv.h / 2, mv.h, slot->grid_height);
-    const int shift = mv.motion_scale > 1 ? std::bit_width(unsigned(mv.motion_scale)) - 1 : 0;
+    const int shift =
+        mv.motion_scale > 1 ? static_cast<int>(std::bit_width(unsigned(mv.motion_scale))) - 1 : 0;
     fill_cells(slot->motion_vectors, across, down,
                MotionVector{mv.motion_x >> shift, mv.motion_y >> shift});
 }

@@ -261,7 +261,7 @@ bool VYX_VideoDecoder::move_to(std::int64_t target, int flags) {
 bool VYX_VideoDecoder::seek_to(std::int64_t target) {
     std::int64_t first_picture = start_time();
     if (stream_->start_time != AV_NOPTS_VALUE) {
-        first_picture = av_rescale_q(stream_->start_time, stream_->time_base, AV_TIME_BASE_Q);
+        first_picture = av_rescale_q(stream_->start_time, stream_->time_base, av_get_time_base_q());
     }
     if (target <= first_picture) target = std::min(target, start_time());
     if (!move_to(target, 0)) return false;
@@ -281,7 +281,7 @@ std::optional<VYX_VideoDecoder::KeyPacket> VYX_VideoDecoder::last_key_after(std:
         if (!is_ours(*packet_)) continue;
         const std::int64_t stamp = packet_->dts != AV_NOPTS_VALUE ? packet_->dts : packet_->pts;
         if (first && stamp != AV_NOPTS_VALUE) {
-            time = std::min(time, av_rescale_q(stamp, stream_->time_base, AV_TIME_BASE_Q));
+            time = std::min(time, av_rescale_q(stamp, stream_->time_base, av_get_time_base_q()));
             first = false;
         }
         if (packet_->flags & AV_PKT_FLAG_KEY) key = KeyPacket{packet_->pts, packet_->dts};

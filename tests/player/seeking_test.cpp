@@ -79,7 +79,7 @@ TEST_F(SeekingTest, NoPositionLiesBeforeTheStart) {
         const std::int64_t start = std::max<std::int64_t>(is->format_context->start_time, 0);
         EXPECT_EQ(is->seek_target, start) << name;
         EXPECT_EQ(global_video_pkt_pts,
-                  av_rescale_q(start, AV_TIME_BASE_Q,
+                  av_rescale_q(start, av_get_time_base_q(),
                                is->format_context->streams[is->video_stream_index]->time_base))
             << name;
         stream_close(is);
