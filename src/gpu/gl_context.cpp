@@ -47,7 +47,7 @@ bool load_gl() {
 
 void init_gl_state() {
     glDisable(GL_DEPTH_TEST);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    blend_over();
     const GLenum target = GLEW_EXT_texture_rectangle ? GL_TEXTURE_RECTANGLE_ARB : GL_TEXTURE_2D;
     glTexParameteri(target, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(target, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
@@ -55,6 +55,14 @@ void init_gl_state() {
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &texture_size_limit);
     max_texture_size = std::min(texture_size_limit, largest_texture_used);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+}
+
+void blend_over() {
+    if (glBlendFuncSeparate) {
+        glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    } else {
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    }
 }
 
 void reshape_gl(int width, int height) {

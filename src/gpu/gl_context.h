@@ -8,6 +8,10 @@ bool load_gl();
 /// Fixed state of the context: blending, wrapping, fill mode, and the largest texture. [main]
 void init_gl_state();
 
+/// Each colour over what lies below it by its alpha. Where a texture is drawn into, its own alpha
+/// becomes how much of what lies below is covered. [main]
+void blend_over();
+
 /// Viewport and projection for a window of `width` x `height` pixels, origin at the top left, and
 /// new framebuffer objects. [main]
 void reshape_gl(int width, int height);

@@ -4,6 +4,7 @@
 #include "gui/gl_font.h"
 #include "gui/graphics.h"
 #include "gui/screen.h"
+#include "gui/text_balloon_widget.h"
 #include "gui/widget_math.h"
 #include "gui/widget_text.h"
 
@@ -20,6 +21,21 @@ constexpr unsigned dragged_title_bar_color = 0x80FF0000U;
 
 // A list cannot be recorded into another; a form within a form is drawn into the outer one's.
 bool recording = false;
+
+// What a widget draws on, in its own coordinates. Of all of them only balloons leave their bounds.
+rectf drawn_area(const WidgetBase& widget) {
+    rectf all = widget.area();
+    if (widget.hastype(WidgetTypes::text_balloon)) all.h += TextBalloonWidget::tail_height;
+    if (const auto* container = dynamic_cast<const WidgetContainer*>(&widget)) {
+        for (const object_ref<WidgetBase>& child : container->children) {
+            if (!child->visible) continue;
+            rectf r = drawn_area(*child);
+            r += pointf(child->bounds) + container->offset;
+            all = united(all, r);
+        }
+    }
+    return all;
+}
 
 }  // namespace
 
@@ -55,18 +71,38 @@ void FormWidget::draw() {
         draw_contents();
         return;
     }
-    if (!dirty) {
+    if (dirty) {
+        record([this] { draw_contents(); });
+        dirty = false;
+        is_kept_ = false;
+    } else {
+        if (!is_kept_) keep_drawing();
         glCallList(display_list);
-        return;
     }
+}
+
+void FormWidget::record(const std::function<void()>& drawing) {
     if (!display_list) display_list = glGenLists(1);
     recording = true;
     // Executing too: it has to be seen now, and clipping needs the matrices as they will be.
     glNewList(display_list, GL_COMPILE_AND_EXECUTE);
-    draw_contents();
+    drawing();
     glEndList();
     recording = false;
-    dirty = false;
+}
+
+// What has not changed for a frame is likely to stay. Its hundreds of primitives, each with a state
+// of its own, cost a software driver ten times as much as the quad.
+void FormWidget::keep_drawing() {
+    if (is_animating() || scale.x != 1.0F || scale.y != 1.0F) return;
+    is_kept_ = true;
+    recording = true;
+    const bool made = kept_.make(drawn_area(*this), [this] { draw_contents(); });
+    recording = false;
+    if (!made) return;
+    glNewList(display_list, GL_COMPILE);
+    kept_.draw();
+    glEndList();
 }
 
 void FormWidget::draw_contents() {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "gui/kept_drawing.h"
 #include "gui/widget_container.h"
 
+#include <functional>
 #include <string>
 
 /// A panel with a title bar to move it by. It fades and zooms in and out, and its drawing is kept
@@ -71,6 +73,8 @@ class FormWidget : public WidgetContainer {
     void draw_children();
 
   private:
+    void record(const std::function<void()>& drawing);
+    void keep_drawing();
     void move_to(pointf origin);
     void draw_frame();
     void draw_title();
@@ -81,4 +85,7 @@ class FormWidget : public WidgetContainer {
     void finish_hiding();
     void follow_pointer(double dt);
     float animation_seconds() const { return auto_hide ? 0.2F : 0.4F; }
+
+    KeptDrawing kept_;
+    bool is_kept_ = false;  // the list holds the picture, or there can be none
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
+
 /// A point or a distance, in GUI units or pixels.
 struct pointf {
     float x = 0.0F;
@@ -41,3 +43,10 @@ struct rectf {
         return *this;
     }
 };
+
+/// The smallest rectangle that holds both.
+inline rectf united(const rectf& a, const rectf& b) {
+    const float x = std::min(a.x, b.x);
+    const float y = std::min(a.y, b.y);
+    return {x, y, std::max(a.x + a.w, b.x + b.w) - x, std::max(a.y + a.h, b.y + b.h) - y};
+}

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "gui/gl_font.h"
 
+#include "gpu/gl_context.h"
+
 #include <GL/glew.h>
 
 #include <algorithm>
@@ -86,7 +88,7 @@ void GLFont::Begin() const {
     glEnable(GL_TEXTURE_2D);
     glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(std::max(texture_, 0)));
     glEnable(GL_BLEND);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    blend_over();
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP);
 }

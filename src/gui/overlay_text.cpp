@@ -10,6 +10,17 @@ namespace {
 
 const pointf diagonals[] = {{-1.0F, -1.0F}, {-1.0F, 1.0F}, {1.0F, -1.0F}, {1.0F, 1.0F}};
 
+rectf area_of(const std::vector<OverlayText>& texts) {
+    rectf all;
+    for (const OverlayText& text : texts) {
+        const pointf size = measure_text(text.text);
+        const rectf line(text.x, text.y - size.y * text.scale, size.x * text.scale,
+                         size.y * text.scale);
+        all = &text == texts.data() ? line : united(all, line);
+    }
+    return all;
+}
+
 }  // namespace
 
 void draw_overlay_text(const OverlayText& text) {
@@ -26,6 +37,26 @@ void draw_overlay_text(const OverlayText& text) {
     default_font.Begin();
     default_font.DrawString(text.text, text.scale, text.x, text.y);
     default_font.End();
+}
+
+void LastingTexts::draw(const std::vector<OverlayText>& texts) {
+    const auto draw_all = [&texts] {
+        for (const OverlayText& text : texts)
+            draw_overlay_text(text);
+    };
+    if (texts != last_) {
+        last_ = texts;
+        is_kept_ = false;
+        draw_all();
+        return;
+    }
+    if (texts.empty()) return;
+    if (!is_kept_) is_kept_ = kept_.make(area_of(texts), draw_all);
+    if (is_kept_) {
+        kept_.draw();
+    } else {
+        draw_all();
+    }
 }
 
 pointf measure_text(const std::string& line) {

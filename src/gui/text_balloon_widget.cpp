@@ -13,8 +13,8 @@ void TextBalloonWidget::draw() {
     drawn_style.SetDefaultBackground();
     drawn_style.SetDefaultBorder();
     constexpr int bottom_edge = 5;  // the bottom edge starts after this many points
-    const std::array<pointf, 3> tail = {pointf(25.0F, bounds.h), pointf(20.0F, bounds.h + 20.0F),
-                                        pointf(15.0F, bounds.h)};
+    const std::array<pointf, 3> tail = {
+        pointf(25.0F, bounds.h), pointf(20.0F, bounds.h + tail_height), pointf(15.0F, bounds.h)};
     std::array<pointf, rounded_points + tail.size()> outline;
     int count = rounded_points;
     const rectf box = area();

@@ -9,4 +9,6 @@ class TextBalloonWidget : public TextLabelWidget {
     TextBalloonWidget();
 
     void draw() override;
+
+    static constexpr float tail_height = 20.0F;
 };

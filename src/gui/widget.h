@@ -65,6 +65,9 @@ class WidgetBase : public object {
     bool hastype(int code) const { return type_ == code; }
     int getType() const { return type_; }
 
+    /// The rectangle of the widget in its own coordinates.
+    rectf area() const { return {0.0F, 0.0F, bounds.w, bounds.h}; }
+
     rectf bounds;
     object_ref<WidgetStyle> style;
     pointf scale{1.0F, 1.0F};           ///< about the centre
@@ -80,9 +83,6 @@ class WidgetBase : public object {
     void send(EventTypes::Action action);
     /// The style; one is made where there is none.
     WidgetStyle& look();
-    /// The rectangle of the widget in its own coordinates.
-    rectf area() const { return {0.0F, 0.0F, bounds.w, bounds.h}; }
-
     int type_ = WidgetTypes::base;
 
   public:

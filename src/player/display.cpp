@@ -23,6 +23,7 @@
 namespace {
 
 SwapObserver swap_observer = nullptr;
+LastingTexts subtitle_texts;
 
 // The open film as the display sees it.
 class FilmSource : public PictureSource {
@@ -127,8 +128,12 @@ void hud_display(VideoState* is) {
         input.status = hud_status(is, fps);
         input.subtitle = current_subtitle(is);
     }
-    for (const OverlayText& text : hud_texts(input))
-        draw_overlay_text(text);
+    std::vector<OverlayText> texts = hud_texts(input);
+    const auto subtitle = std::stable_partition(texts.begin(), texts.end(),
+                                                [](const auto& t) { return !t.outlined; });
+    for (auto text = texts.begin(); text != subtitle; ++text)
+        draw_overlay_text(*text);
+    subtitle_texts.draw({subtitle, texts.end()});
     note_frame_shown(wall_clock());
 }
 

@@ -78,10 +78,14 @@ TEST_F(WidgetPictureTest, AFormIsSeenInTheFrameThatRecordsItAndWhenReplayed) {
     EXPECT_GT(white(first, {-100, -80, 200, 40}), 50) << "title";
     EXPECT_GT(white(first, {-90, -20, 150, 24}), 50) << "label";
     const Image second = picture();
-    EXPECT_EQ(list_counts.recorded, before.recorded + 1);
+    EXPECT_EQ(list_counts.recorded, before.recorded + 2) << "as a picture";
     EXPECT_EQ(list_counts.replayed, before.replayed + 1);
-    EXPECT_EQ(largest_difference(first, second), 0.0F);
+    EXPECT_LE(largest_difference(first, second), 2.01F / 255.0F) << "colours are rounded twice";
     EXPECT_TRUE(glIsList(form->display_list));
+    const Image third = picture();
+    EXPECT_EQ(list_counts.recorded, before.recorded + 2);
+    EXPECT_EQ(list_counts.replayed, before.replayed + 2);
+    EXPECT_EQ(largest_difference(second, third), 0.0F);
 }
 
 TEST_F(WidgetPictureTest, ItsListGoesWithIt) {
