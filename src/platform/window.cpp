@@ -39,6 +39,10 @@ bool set_video_mode(int width, int height, Uint32 flags) {
     return surface != nullptr;
 }
 
+bool window_is_shown() {
+    return (SDL_GetAppState() & SDL_APPACTIVE) != 0;
+}
+
 bool get_fullscreen() {
     return bFullScreen;
 }

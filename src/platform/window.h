@@ -26,6 +26,9 @@ bool set_fullscreen(int on);
 /// 600 where there is none. Of equal ones the first.
 SDL_Rect largest_mode(SDL_Rect* const* modes);
 
+/// Whether anything of the window can be on the screen: not while it is an icon. [main]
+bool window_is_shown();
+
 /// Waits for buffer swaps to follow the display: 0 not at all, 1 every refresh. [main]
 void set_vsync(int interval);
 

@@ -24,6 +24,7 @@ namespace {
 
 SwapObserver swap_observer = nullptr;
 LastingTexts subtitle_texts;
+std::vector<OverlayText> drawn_texts;
 
 // The open film as the display sees it.
 class FilmSource : public PictureSource {
@@ -114,10 +115,10 @@ void video_nosignal_display() {
     gui_display();
 }
 
-void hud_display(VideoState* is) {
+namespace {
+
+std::vector<OverlayText> current_texts(VideoState* is, int fps) {
     fade_infolabel(wall_clock());
-    const int fps = static_cast<int>(std::lrint(video_estimate_fps()));
-    adapt_vsync(fps);
     HudInput input{.width = static_cast<float>(screen->w),
                    .height = static_cast<float>(screen->h),
                    .label = infolabel_text,
@@ -128,7 +129,20 @@ void hud_display(VideoState* is) {
         input.status = hud_status(is, fps);
         input.subtitle = current_subtitle(is);
     }
-    std::vector<OverlayText> texts = hud_texts(input);
+    return hud_texts(input);
+}
+
+}  // namespace
+
+bool hud_is_current(VideoState* is) {
+    return current_texts(is, static_cast<int>(std::lrint(video_estimate_fps()))) == drawn_texts;
+}
+
+void hud_display(VideoState* is) {
+    const int fps = static_cast<int>(std::lrint(video_estimate_fps()));
+    adapt_vsync(fps);
+    std::vector<OverlayText> texts = current_texts(is, fps);
+    drawn_texts = texts;
     const auto subtitle = std::stable_partition(texts.begin(), texts.end(),
                                                 [](const auto& t) { return !t.outlined; });
     for (auto text = texts.begin(); text != subtitle; ++text)

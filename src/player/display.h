@@ -20,6 +20,8 @@ std::vector<Waveform> read_waveforms(const VideoState* is);
 
 /// What lies over the picture, and the bookkeeping of shown pictures. `is` may be null.
 void hud_display(VideoState* is);
+/// Whether that would look as it did when it was last drawn.
+bool hud_is_current(VideoState* is);
 /// The interface, then the buffer swap.
 void gui_display();
 

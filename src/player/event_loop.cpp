@@ -9,6 +9,7 @@
 #include "player/picture_queue.h"
 #include "player/play_video.h"
 #include "player/refresh_timer.h"
+#include "player/still_picture.h"
 #include "player/stream.h"
 #include "player/video_refresh.h"
 
@@ -104,6 +105,7 @@ bool DoubleClickDetected(Uint32 ticks) {
 
 bool handle_event(const SDL_Event& event) {
     VideoState* is = global_video_state;
+    if (event.type < SDL_USEREVENT && event.type != SDL_MOUSEMOTION) note_activity();
     switch (event.type) {
         case SDL_ACTIVEEVENT:
             if (event.active.state & SDL_APPINPUTFOCUS) set_focus(event.active.gain != 0);

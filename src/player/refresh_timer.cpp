@@ -4,6 +4,7 @@
 #include "core/settings.h"
 #include "gui/widget_container.h"
 #include "platform/threads.h"
+#include "platform/window.h"
 
 #include <SDL.h>
 
@@ -84,7 +85,9 @@ int timer_interval(int ms) {
 }
 
 void schedule_refresh(VideoState* is, int ms) {
-    if ((maximize_fps(is) || gui.anyVisible()) && post_refresh()) return;
+    // What nobody sees is not drawn, and would turn here without a pause.
+    const bool at_once = (maximize_fps(is) || gui.anyVisible()) && window_is_shown();
+    if (at_once && post_refresh()) return;
     schedule_refresh_later(is, ms);
 }
 

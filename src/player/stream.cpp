@@ -9,6 +9,7 @@
 #include "media/subtitles.h"
 #include "player/clocks.h"
 #include "player/demux.h"
+#include "player/still_picture.h"
 
 #include <algorithm>
 #include <deque>
@@ -206,6 +207,7 @@ void stream_pause(VideoState* is) {
     is->fast_forward = false;
     is->rewind = false;
     if (is->paused) is->pause_refresh = true;
+    note_activity();
 }
 
 void stream_rewind(VideoState* is) {

@@ -9,6 +9,7 @@
 #include "player/display.h"
 #include "player/refresh_plan.h"
 #include "player/refresh_timer.h"
+#include "player/still_picture.h"
 
 #include <utility>
 
@@ -47,6 +48,7 @@ void show_interface(VideoState* is) {
 }
 
 void show(VideoState* is) {
+    if (!window_is_shown() || is_still(is)) return;
     if (video_suppressed()) {
         show_interface(is);
     } else if (!is) {

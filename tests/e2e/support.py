@@ -103,6 +103,16 @@ class Player:
         self.log.seek(0)
         return self.log.read()
 
+    def processor_time(self, threads=""):
+        """Seconds that its threads whose names begin like that have used."""
+        used = 0
+        for task in os.listdir(f"/proc/{self.process.pid}/task"):
+            with open(f"/proc/{self.process.pid}/task/{task}/stat") as stat:
+                name, fields = stat.read().split("(", 1)[1].rsplit(")", 1)
+            if name.startswith(threads):
+                used += int(fields.split()[11]) + int(fields.split()[12])
+        return used / os.sysconf("SC_CLK_TCK")
+
     def running(self):
         return self.process.poll() is None
 
