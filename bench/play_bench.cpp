@@ -3,8 +3,8 @@
 //
 //     bench_play SECONDS FILM [seeks] [SETTING=VALUE...]
 //
-// With "seeks" it jumps to another place of the film every second, once two seconds have passed, and
-// tells how long it took until a picture from there was on screen. One line per figure: name,
+// With "seeks" it jumps to another place of the film every second, once two seconds have passed,
+// and tells how long it took until a picture from there was on screen. One line per figure: name,
 // value, unit. Times are wall-clock; CPU time is the whole process's, all threads. What it leaves
 // out: the X server's work, which the window system does for every player.
 
@@ -39,9 +39,10 @@ struct Measurements {
     std::vector<double> seek_times;  // milliseconds: request to swap
     double last_due = 0.0;
     int shown = 0;
+    int swaps = 0;
     double last_pts = -1.0;
-    std::int64_t seek_start = 0;     // 0: none under way
-    double seek_target = 0.0;        // seconds
+    std::int64_t seek_start = 0;  // 0: none under way
+    double seek_target = 0.0;     // seconds
     std::int64_t next_seek = 0;
     bool seeks = false;
     int unseen = 0;
@@ -66,6 +67,7 @@ void watch_seeks(VideoState* is, std::int64_t now, double pts) {
 
 void after_swap(VideoState* is, std::int64_t now) {
     if (is->shown_picture < 0) return;
+    ++measured.swaps;
     if (!measured.first_picture) {
         measured.first_picture = now;
         measured.next_seek = now + 2000000;
@@ -141,6 +143,7 @@ void report() {
     std::printf("first_picture %.3f s\n",
                 static_cast<double>(measured.first_picture - measured.start) / 1e6);
     std::printf("pictures_shown %d\n", measured.shown);
+    std::printf("swaps %d\n", measured.swaps);
     std::printf("pictures_unseen %d\n", measured.unseen);
     if (measured.seeks) {
         std::printf("seeks %zu\n", measured.seek_times.size());
