@@ -4,6 +4,7 @@
 #include "gpu/gl_texture.h"
 #include "gpu/picture_upload.h"
 #include "platform/threads.h"
+#include "player/refresh_timer.h"
 #include "player/side_data.h"
 
 #include <algorithm>
@@ -149,8 +150,11 @@ int queue_picture(VideoState* is, FramePtr& frame, double pts, int seeks) {
     slot.clear_flags();
     slot.ready = true;
     is->picture_queue_windex = (is->picture_queue_windex + 1) % picture_slots;
-    const MutexLock lock(is->picture_queue_mutex);
-    ++is->picture_queue_size;
+    {
+        const MutexLock lock(is->picture_queue_mutex);
+        ++is->picture_queue_size;
+    }
+    if (is->starved) hasten_refresh();
     return 0;
 }
 

@@ -48,6 +48,14 @@ class Requests {
         return due;
     }
 
+    // Whether there were any; their timers will find nothing to do.
+    bool drop_all() {
+        const std::lock_guard lock(mutex_);
+        const bool any = !due_times_.empty();
+        due_times_.clear();
+        return any;
+    }
+
   private:
     std::mutex mutex_;
     std::map<std::uintptr_t, Clock::time_point> due_times_;
@@ -98,6 +106,11 @@ void schedule_refresh_later(VideoState* /*is*/, int ms) {
     // Without timers the player would stop for good; a busy loop shows pictures at least.
     requests().take(request);
     post_refresh();
+}
+
+void hasten_refresh() {
+    if (!requests().drop_all() || post_refresh()) return;
+    schedule_refresh_later(nullptr, static_cast<int>(retry_ms));
 }
 
 void hold_refreshes(bool held) {

@@ -19,6 +19,9 @@ void schedule_refresh(VideoState* is, int ms);
 /// The same, but never at once: where nothing new can be there before. [main]
 void schedule_refresh_later(VideoState* is, int ms);
 
+/// There is something new: a refresh that is being waited for comes at once. Any thread.
+void hasten_refresh();
+
 /// While refreshes are held, timers that fire post nothing. No callback is posting any more when
 /// this returns, so that SDL can be shut down. [main]
 void hold_refreshes(bool held);

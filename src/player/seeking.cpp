@@ -4,6 +4,7 @@
 #include "media/subtitles.h"
 #include "player/clocks.h"
 #include "player/demux.h"
+#include "player/refresh_timer.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -42,6 +43,8 @@ void restart_queues(VideoState* is, std::int64_t target) {
     const int seek = ++is->seeks_done;
     if (is->audio_stream_index >= 0) forget_queued(is->audio_queue, seek);
     if (is->video_stream_index >= 0) forget_queued(is->video_queue, seek);
+    // Pictures from before need not stay until the next one would have been due.
+    hasten_refresh();
 }
 
 }  // namespace

@@ -138,6 +138,8 @@ void refresh_video(VideoState* is) {
             is->starved = true;
             show(is);
             refresh_again(is, idle_ms);
+            // It may have come meanwhile.
+            if (queued_pictures(is) > 0) hasten_refresh();
             return;
         }
         if (!scanning && head(is).seeks != is->seeks_done) {

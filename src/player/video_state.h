@@ -100,7 +100,8 @@ struct VideoState {
 
     // Clocks.
     RefreshClocks clocks;
-    bool starved = true;                   ///< no picture was there at the last refresh. [main]
+    /// No picture was there at the last refresh; the next one is shown as soon as it is there.
+    std::atomic<bool> starved{true};
     int pictures_unseen = 0;               ///< pictures that came too late to be shown. [main]
     std::atomic<double> video_clock{0.0};  ///< predicted time of the next picture. [video]
     std::atomic<double> video_current_pts{0.0};
