@@ -182,4 +182,28 @@ TEST(FrameRate, EqualTimesGiveTheLargestRate) {
     EXPECT_NEAR(video_estimate_fps(), before + 0.2 * (31000000.0 - before), 1.0);
 }
 
+TEST_F(RefreshTimerTest, ARefreshThatIsWaitedForCanBeHastened) {
+    const auto start = std::chrono::steady_clock::now();
+    schedule_refresh_later(nullptr, 5000);
+    hasten_refresh();
+    EXPECT_TRUE(refresh_scheduled);
+    EXPECT_LT(Milliseconds(std::chrono::steady_clock::now() - start).count(), 4000.0);
+    EXPECT_EQ(drain(), 1);
+}
+
+TEST_F(RefreshTimerTest, AHastenedRefreshDoesNotComeAgainAtItsTime) {
+    schedule_refresh_later(nullptr, 15);
+    hasten_refresh();
+    EXPECT_EQ(drain(), 1);
+    refresh_scheduled = false;
+    ASSERT_TRUE(timers_fired());
+    EXPECT_EQ(drain(), 0);
+}
+
+TEST_F(RefreshTimerTest, NothingIsHastenedWhereNothingIsWaitedFor) {
+    hasten_refresh();
+    EXPECT_FALSE(refresh_scheduled);
+    EXPECT_EQ(drain(), 0);
+}
+
 }  // namespace
