@@ -4,8 +4,6 @@
 #include "gui/gl_font.h"
 #include "gui/graphics.h"
 
-#include <utility>
-
 namespace {
 
 const pointf diagonals[] = {{-1.0F, -1.0F}, {-1.0F, 1.0F}, {1.0F, -1.0F}, {1.0F, 1.0F}};
@@ -26,10 +24,4 @@ void draw_overlay_text(const OverlayText& text) {
     default_font.Begin();
     default_font.DrawString(text.text, text.scale, text.x, text.y);
     default_font.End();
-}
-
-pointf measure_text(const std::string& line) {
-    std::pair<int, int> size;
-    default_font.GetStringSize(line, &size);
-    return {static_cast<float>(size.first), static_cast<float>(size.second)};
 }

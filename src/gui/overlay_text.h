@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "gui/geometry.h"
-
 #include <string>
 
 /// A text over the picture, in the coordinates that are in force.
@@ -17,6 +15,3 @@ struct OverlayText {
 
 /// Draws the text in white. Sets the opacity of everything drawn later to 1. [main]
 void draw_overlay_text(const OverlayText& text);
-
-/// Width and height of one line at scale 1. Needs no GL context. [main]
-pointf measure_text(const std::string& line);
