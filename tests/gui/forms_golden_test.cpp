@@ -37,7 +37,7 @@ class FormPictures : public GlTest {
         const float top = std::max(0.0F, origin.y);
         const rectf area(left, top, std::min(form.bounds.w + 2 * room, width - left),
                          std::min(form.bounds.h + 2 * room, height - top));
-        return drawn_picture(width, height, area, [this] { rig_.draw(); });
+        return drawn_picture(width, height, area, GuiWorld::draw);
     }
 
     FormsRig rig_{width, height};
@@ -63,11 +63,11 @@ TEST_F(FormPictures, VideoSettingsBetweenTwoOptions) {
 
 TEST_F(FormPictures, HalfShownFormZoomsAboutItsButton) {
     rig_.move(FormsRig::in_window(*formMenu, {2, 2}));
-    rig_.advance(0.5);
-    rig_.click(*formMenu->buttons[FormMenu::audio]);
-    rig_.advance(0.25);
+    rig_.pass(0.5);
+    rig_.click(formMenu->buttons[FormMenu::audio]);
+    rig_.pass(0.25);
     expect_golden("audio_settings_zooming",
-                  drawn_picture(width, height, {0, 0, 500, 450}, [this] { rig_.draw(); }), limits);
+                  drawn_picture(width, height, {0, 0, 500, 450}, GuiWorld::draw), limits);
 }
 
 TEST_F(FormPictures, AudioSettings) {
@@ -86,27 +86,27 @@ TEST_F(FormPictures, TransportBarPlayingWithItsPosition) {
     rig_.player.duration_ = 100;
     rig_.player.position_ = 40;
     rig_.move(FormsRig::place(*formTransportBar->position));
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     expect_golden("transport_bar_playing", picture_of(*formTransportBar), limits);
 }
 
 TEST_F(FormPictures, TransportBarPausedWithItsVolume) {
     rig_.player.paused = true;
     rig_.move(FormsRig::place(*formTransportBar->volume));
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     expect_golden("transport_bar_paused", picture_of(*formTransportBar), limits);
 }
 
 TEST_F(FormPictures, Menu) {
     rig_.move(FormsRig::in_window(*formMenu, {2, 2}));
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     expect_golden("menu", picture_of(*formMenu), limits);
 }
 
 TEST_F(FormPictures, MenuInFullScreenInMotion) {
     rig_.player.fullscreen = true;
     rig_.move(FormsRig::in_window(*formMenu, {2, 2}));
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     formMenu->phases = {1.5F, 15, 2, 0.5F};
     expect_golden("menu_moving", picture_of(*formMenu), limits);
 }
