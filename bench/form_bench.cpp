@@ -115,7 +115,7 @@ void report(FormsRig& rig, FormWidget& form) {
     for (const object_ref<WidgetBase>& child : gui.children)
         child->visible = false;
     rig.open(form);
-    const auto draw = [&rig] { rig.draw(); };
+    const auto draw = GuiWorld::draw;
     const Cost recorded = measure([&form] { form.invalidate(); }, draw);
     const Cost replayed = measure([] {}, draw);
     std::printf("%-20s %9.3f %9.3f %9.3f %9.3f\n", form.title.c_str(), recorded.call,
@@ -140,7 +140,7 @@ int main() {
         report(rig, *formVideoSettings);
         report(rig, *formAudioSettings);
         report(rig, *formVideoAdvancedSettings);
-        FormsRig::mouse = FormsRig::place(*formTransportBar->position);
+        rig.mouse = FormsRig::place(*formTransportBar->position);
         report(rig, *formTransportBar);
         report(rig, *formMenu);
         const Cost least = measure_floor();

@@ -3,8 +3,7 @@
 
 #include "gui/gl_font.h"
 #include "gui/graphics.h"
-
-#include <utility>
+#include "gui/widget_text.h"
 
 namespace {
 
@@ -13,7 +12,7 @@ const pointf diagonals[] = {{-1.0F, -1.0F}, {-1.0F, 1.0F}, {1.0F, -1.0F}, {1.0F,
 rectf area_of(const std::vector<OverlayText>& texts) {
     rectf all;
     for (const OverlayText& text : texts) {
-        const pointf size = measure_text(text.text);
+        const pointf size = text_size(text.text);
         const rectf line(text.x, text.y - size.y * text.scale, size.x * text.scale,
                          size.y * text.scale);
         all = &text == texts.data() ? line : united(all, line);
@@ -57,10 +56,4 @@ void LastingTexts::draw(const std::vector<OverlayText>& texts) {
     } else {
         draw_all();
     }
-}
-
-pointf measure_text(const std::string& line) {
-    std::pair<int, int> size;
-    default_font.GetStringSize(line, &size);
-    return {static_cast<float>(size.first), static_cast<float>(size.second)};
 }

@@ -33,6 +33,3 @@ class LastingTexts {
     KeptDrawing kept_;
     bool is_kept_ = false;
 };
-
-/// Width and height of one line at scale 1. Needs no GL context. [main]
-pointf measure_text(const std::string& line);

@@ -6,7 +6,8 @@
 #include <span>
 #include <string>
 
-/// Extent of `text` in the font of all text, in units at scale 1.
+/// Width of `text` and height of one line in the font of all text, in units at scale 1. Needs no GL
+/// context. [main]
 pointf text_size(const std::string& text);
 
 /// Draws text in `color`, its left end at x, its bottom at y. The current clipping holds. [main]

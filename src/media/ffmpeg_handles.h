@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// Owners of the codec library's objects. Raw frees of these appear nowhere else.
+// Owners of FFmpeg's objects. They are freed by hand nowhere else, but in `audio`, which lies below
+// this folder and has an owner of its own.
 
 extern "C" {
 #include <libavcodec/avcodec.h>

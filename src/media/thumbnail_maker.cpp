@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/thumbnail_maker.h"
 
+#include "media/decoded_frames.h"
 #include "media/ffmpeg_handles.h"
 #include "media/thumbnail_file.h"
 #include "media/thumbnail_size.h"
@@ -10,7 +11,6 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -31,29 +31,7 @@ constexpr std::size_t padding = 64;
 std::atomic<std::int64_t> gb_video_pkt_pts{AV_NOPTS_VALUE};
 
 int our_get_buffer(AVCodecContext* codec, AVFrame* frame, int flags) {
-    const int result = avcodec_default_get_buffer2(codec, frame, flags);
-    if (result < 0) return result;
-    const std::int64_t timestamp = gb_video_pkt_pts;
-    av_buffer_unref(&frame->opaque_ref);
-    frame->opaque_ref = av_buffer_alloc(sizeof timestamp);
-    if (!frame->opaque_ref) return AVERROR(ENOMEM);
-    std::memcpy(frame->opaque_ref->data, &timestamp, sizeof timestamp);
-    return 0;
-}
-
-long packet_time(const AVFrame* frame) {
-    std::int64_t timestamp = AV_NOPTS_VALUE;
-    if (frame->opaque_ref) std::memcpy(&timestamp, frame->opaque_ref->data, sizeof timestamp);
-    return static_cast<long>(timestamp);
-}
-
-bool is_key(const AVFrame* frame) {
-#ifdef AV_FRAME_FLAG_KEY
-    const bool key = (frame->flags & AV_FRAME_FLAG_KEY) != 0;
-#else
-    const bool key = frame->key_frame == 1;
-#endif
-    return key || frame->pict_type == AV_PICTURE_TYPE_I;
+    return get_stamped_buffer(codec, frame, flags, gb_video_pkt_pts);
 }
 
 // What read_and_decode is doing with one stream.
@@ -128,8 +106,8 @@ int read_and_decode(AVFormatContext* format, int stream, AVCodecContext* codec, 
     for (int frames = 1;; ++frames) {
         const int result = reader.next(frame);
         if (result <= 0) return result;
-        *pts = packet_time(frame);
-        if (mode != key_pictures_only || is_key(frame)) return 1;
+        *pts = static_cast<long>(buffer_stamp(*frame));
+        if (mode != key_pictures_only || is_key_picture(*frame)) return 1;
         if (frames == enough_frames || patience.half_over()) return 1;
     }
 }

@@ -4,6 +4,7 @@
 #include "core/settings.h"
 #include "core/text.h"
 #include "gui/screen.h"
+#include "gui/widget_text.h"
 #include "player/clocks.h"
 
 #include <algorithm>
@@ -25,7 +26,7 @@ std::string seek_time(std::int64_t position) {
 }
 
 OverlayText right_aligned(const std::string& text, float width) {
-    return {text, width - margin - measure_text(text).x, margin};
+    return {text, width - margin - text_size(text).x, margin};
 }
 
 }  // namespace
@@ -82,7 +83,7 @@ std::vector<OverlayText> layout_subtitle(const Subtitle& subtitle, std::int64_t 
     while (start != std::string::npos) {
         const std::size_t end = text.find('\n', start);
         const std::string line = text.substr(start, end - start);
-        const pointf size = measure_text(line);
+        const pointf size = text_size(line);
         const float line_height = scale * size.y;
         const float y = height - subtitle_height + static_cast<float>(lines.size()) * line_height;
         if (y - line_height > height) break;

@@ -2,12 +2,12 @@
 #include "player/video_decoder.h"
 
 #include "core/settings.h"
+#include "media/decoded_frames.h"
 #include "player/clocks.h"
 #include "player/side_data.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <thread>
 
 std::atomic<int> decoder_threads{0};
@@ -56,14 +56,7 @@ CodecContextPtr open_video_decoder(AVStream* stream) {
 }
 
 int our_get_buffer(AVCodecContext* codec, AVFrame* frame, int flags) {
-    const int result = avcodec_default_get_buffer2(codec, frame, flags);
-    if (result < 0) return result;
-    const std::int64_t timestamp = global_video_pkt_pts;
-    av_buffer_unref(&frame->opaque_ref);
-    frame->opaque_ref = av_buffer_alloc(sizeof timestamp);
-    if (!frame->opaque_ref) return AVERROR(ENOMEM);
-    std::memcpy(frame->opaque_ref->data, &timestamp, sizeof timestamp);
-    return 0;
+    return get_stamped_buffer(codec, frame, flags, global_video_pkt_pts);
 }
 
 AVPixelFormat our_get_format(AVCodecContext* codec, const AVPixelFormat* formats) {

@@ -2,6 +2,7 @@
 #include "videoio/video_decoder.h"
 
 #include "media/capture_formats.h"
+#include "media/decoded_frames.h"
 #include "media/error_text.h"
 #include "media/packet_time.h"
 #include "videoio/camera_name.h"
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <thread>
 #include <utility>
 
@@ -21,25 +21,9 @@ constexpr int most_threads = 4;  // every one holds pictures
 constexpr int most_fruitless_packets = 1000;
 constexpr std::int64_t longest_decoding_delay = std::int64_t{10} * AV_TIME_BASE;
 
-bool is_key_picture(const AVFrame& frame) {
-#ifdef AV_FRAME_FLAG_KEY
-    const bool key = frame.flags & AV_FRAME_FLAG_KEY;
-#else
-    const bool key = frame.key_frame != 0;
-#endif
-    return key || frame.pict_type == AV_PICTURE_TYPE_I;
-}
-
 // The default buffer, with a copy of the time stamp of the last packet.
 int our_get_buffer(AVCodecContext* codec, AVFrame* frame, int flags) {
-    const int result = avcodec_default_get_buffer2(codec, frame, flags);
-    if (result < 0) return result;
-    const std::int64_t timestamp = global_video_pkt_pts;
-    av_buffer_unref(&frame->opaque_ref);
-    frame->opaque_ref = av_buffer_alloc(sizeof timestamp);
-    if (!frame->opaque_ref) return AVERROR(ENOMEM);
-    std::memcpy(frame->opaque_ref->data, &timestamp, sizeof timestamp);
-    return 0;
+    return get_stamped_buffer(codec, frame, flags, global_video_pkt_pts);
 }
 
 // Seconds as ticks of the container; false when they are no number.

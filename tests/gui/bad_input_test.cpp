@@ -2,7 +2,7 @@
 // Positions, sizes, texts and windows that nobody would choose.
 #include "gui/screen.h"
 #include "support/drawing_recorder.h"
-#include "support/gui_world.h"
+#include "support/gui_test.h"
 
 #include <cmath>
 #include <limits>

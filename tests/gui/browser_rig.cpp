@@ -3,8 +3,6 @@
 
 #include "gui/screen.h"
 
-#include <GL/glew.h>
-
 #include <algorithm>
 #include <fstream>
 
@@ -100,18 +98,6 @@ void BrowserRig::show() {
     world.pass(1.0);  // a form that is closing cannot be opened
     browser->show();
     world.pass(1.0);
-}
-
-void BrowserRig::draw() {
-    const auto width = static_cast<int>(gui.bounds.w);
-    const auto height = static_cast<int>(gui.bounds.h);
-    glViewport(0, 0, width, height);
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glOrtho(0, width, height, 0, -1, 1);
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    gui.draw();
 }
 
 std::vector<std::string> BrowserRig::files_in_view() const {

@@ -8,6 +8,8 @@
 #include "support/gui_world.h"
 #include "support/temporary_folder.h"
 
+#include <gtest/gtest.h>
+
 #include <map>
 #include <string>
 #include <vector>
@@ -48,8 +50,6 @@ class BrowserRig {
     /// The window changes its size, and the browser its width.
     void resize(int width, int height) const;
     void show();
-    /// Draws `gui` into the current framebuffer of the window's size. Needs a GL context.
-    static void draw();
     /// Paths of the files whose rows are in view, from the top.
     std::vector<std::string> files_in_view() const;
 

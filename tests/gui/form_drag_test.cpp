@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "gui/form_widget.h"
-#include "support/gui_world.h"
+#include "support/gui_test.h"
 
 #include <cmath>
 

@@ -2,7 +2,7 @@
 #include "gui/form_widget.h"
 
 #include "gui/gl_font.h"
-#include "support/gui_world.h"
+#include "support/gui_test.h"
 
 namespace {
 

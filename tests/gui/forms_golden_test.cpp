@@ -33,7 +33,7 @@ class FormPictures : public GlTest {
 
     // First as it is recorded, then as the picture kept of it.
     void expect_form(const std::string& name, const rectf& area) {
-        const auto draw = [this] { rig_.draw(); };
+        const auto draw = GuiWorld::draw;
         expect_golden(name, drawn_picture(width, height, area, draw), limits);
         for (int i = 0; i < 2; ++i)
             expect_golden(name, drawn_picture(width, height, area, draw), kept_limits);
@@ -72,9 +72,9 @@ TEST_F(FormPictures, VideoSettingsBetweenTwoOptions) {
 
 TEST_F(FormPictures, HalfShownFormZoomsAboutItsButton) {
     rig_.move(FormsRig::in_window(*formMenu, {2, 2}));
-    rig_.advance(0.5);
-    rig_.click(*formMenu->buttons[FormMenu::audio]);
-    rig_.advance(0.25);
+    rig_.pass(0.5);
+    rig_.click(formMenu->buttons[FormMenu::audio]);
+    rig_.pass(0.25);
     expect_form("audio_settings_zooming", {0, 0, 500, 450});
 }
 
@@ -94,27 +94,27 @@ TEST_F(FormPictures, TransportBarPlayingWithItsPosition) {
     rig_.player.duration_ = 100;
     rig_.player.position_ = 40;
     rig_.move(FormsRig::place(*formTransportBar->position));
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     expect_form("transport_bar_playing", around(*formTransportBar));
 }
 
 TEST_F(FormPictures, TransportBarPausedWithItsVolume) {
     rig_.player.paused = true;
     rig_.move(FormsRig::place(*formTransportBar->volume));
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     expect_form("transport_bar_paused", around(*formTransportBar));
 }
 
 TEST_F(FormPictures, Menu) {
     rig_.move(FormsRig::in_window(*formMenu, {2, 2}));
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     expect_form("menu", around(*formMenu));
 }
 
 TEST_F(FormPictures, MenuInFullScreenInMotion) {
     rig_.player.fullscreen = true;
     rig_.move(FormsRig::in_window(*formMenu, {2, 2}));
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     formMenu->phases = {1.5F, 15, 2, 0.5F};
     expect_form("menu_moving", around(*formMenu));
 }

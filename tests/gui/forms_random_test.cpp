@@ -15,8 +15,11 @@ namespace {
 // Moves, presses, releases and time, mostly within the window and sometimes anywhere.
 class Mouse {
   public:
-    Mouse(FormsRig& rig, unsigned seed, float width, float height)
-        : rig_(rig), random_(seed), width_(width), height_(height) {}
+    Mouse(FormsRig& rig, unsigned seed, int width, int height)
+        : rig_(rig),
+          random_(seed),
+          width_(static_cast<float>(width)),
+          height_(static_cast<float>(height)) {}
 
     void act() {
         switch (below(6)) {
@@ -28,7 +31,7 @@ class Mouse {
                 rig_.release();
                 break;
             case 3:
-                rig_.advance(0.05 * below(20));
+                rig_.pass(0.05 * below(20));
                 break;
             default:
                 rig_.move(somewhere());
@@ -82,7 +85,7 @@ void expect_position_in_bounds(const FakePlayer& player) {
     EXPECT_LE(position, static_cast<float>(player.duration_) + 0.01F);
 }
 
-void play_at_random(float width, float height, unsigned seed) {
+void play_at_random(int width, int height, unsigned seed) {
     FormsRig rig(width, height);
     rig.player.duration_ = 100;
     rig.player.width = 1920;
@@ -99,13 +102,13 @@ void play_at_random(float width, float height, unsigned seed) {
     expect_forms_on_screen();
     // Whatever went on: let go, and everything answers again.
     rig.release();
-    rig.advance(1);
+    rig.pass(1);
     for (FormWidget* form : opened)
         form->hide();
-    rig.advance(1);
+    rig.pass(1);
     rig.open(*formAudioSettings);
-    rig.click(*FormsRig::button(*formAudioSettings, "Close"));
-    rig.advance(0.5);
+    rig.click(FormsRig::button(*formAudioSettings, "Close"));
+    rig.pass(0.5);
     EXPECT_FALSE(formAudioSettings->visible);
 }
 

@@ -1,45 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "gui/forms_rig.h"
 
-#include "gui/gl_font.h"
+#include "gui/gui_environment.h"
 #include "gui/screen.h"
 #include "gui/text_label_widget.h"
-#include "gui/widget_style.h"
-#include "platform/resources.h"
-
-#include <GL/glew.h>
-
-#include <algorithm>
-
-double FormsRig::time = 0.0;
-pointf FormsRig::mouse;
-unsigned FormsRig::buttons = 0;
-bool FormsRig::cursor_visible = true;
 
 namespace {
 
-constexpr double refresh_seconds = 0.01;
-
 bool player_covers_screen() {
     return player_control && player_control->is_fullscreen();
-}
-
-// The size of every text; without a texture nothing is drawn.
-void load_font() {
-    if (default_font.find('A')) return;
-    const unsigned char* data = nullptr;
-    int size = 0;
-    load_resource("GLF", "DEFAULT", &data, &size);
-    default_font.Create(reinterpret_cast<const char*>(data), size, 0);
-}
-
-// A virtual screen of 800 x 600 around the origin, as large as the window lets it be.
-void lay_out_gui(float w, float h) {
-    const float s = std::min(h / 600.0F, w / 800.0F);
-    gui.bounds = {-w / 2.0F, -h / 2.0F, w, h};
-    gui.scale = {s, s};
-    gui.offset = {w * 0.5F * s, h * 0.5F * s};
-    screenRectangle = {-w / 2.0F / s, -h / 2.0F / s, w / s, h / s};
 }
 
 }  // namespace
@@ -117,20 +86,11 @@ void reset_settings() {
         value->setValue(value->default_value());
 }
 
-FormsRig::FormsRig(float width, float height)
-    : chooser(new FakeChooser), width_(width), height_(height), outside_(gui_environment) {
-    time = 1000.0;
-    mouse = {-1000, -1000};
-    buttons = 0;
-    cursor_visible = true;
-    gui_environment = {[] { return time; }, [] { return mouse; }, [] { return buttons; },
-                       [](bool visible) { cursor_visible = visible; }, player_covers_screen};
+FormsRig::FormsRig(int width, int height) : GuiWorld(width, height), chooser(new FakeChooser) {
+    gui_environment.fullscreen = player_covers_screen;
     player_control = &player;
     file_chooser = chooser;
-    load_font();
     reset_settings();
-    lay_out_gui(width, height);
-    if (defaultStyle.IsNull()) defaultStyle = new WidgetStyle;
     formVideoSettings = new FormVideoSettings;
     formAudioSettings = new FormAudioSettings;
     formVideoAdvancedSettings = new FormVideoAdvancedSettings;
@@ -147,8 +107,7 @@ FormsRig::FormsRig(float width, float height)
 }
 
 FormsRig::~FormsRig() {
-    gui.children.clear();
-    gui.captured = nullptr;
+    // Before the world, which lets go of them last.
     formVideoSettings = nullptr;
     formAudioSettings = nullptr;
     formVideoAdvancedSettings = nullptr;
@@ -156,21 +115,12 @@ FormsRig::~FormsRig() {
     formMenu = nullptr;
     file_chooser = nullptr;
     player_control = nullptr;
-    gui_environment = outside_;
     reset_settings();
-}
-
-void FormsRig::advance(double seconds) {
-    for (double left = seconds; left > 0.0; left -= refresh_seconds) {
-        const double dt = std::min(left, refresh_seconds);
-        time += dt;
-        gui.tick(dt);
-    }
 }
 
 void FormsRig::open(FormWidget& form) {
     form.show();
-    advance(0.5);
+    pass(0.5);
 }
 
 WidgetBase* FormsRig::control(const FormWidget& form, const std::string& label) {
@@ -199,58 +149,12 @@ ButtonWidget* FormsRig::button(const FormWidget& form, const std::string& text) 
     return nullptr;
 }
 
-pointf FormsRig::in_window(const WidgetBase& widget, pointf p) {
-    // Conversion is a scale and a shift for each axis; it is turned round here.
-    pointf zero(0, 0);
-    pointf one(1, 1);
-    widget.screen2point(zero, false);
-    widget.screen2point(one, false);
-    const pointf step = one - zero;
-    return {(p.x - zero.x) / step.x, (p.y - zero.y) / step.y};
-}
-
 pointf FormsRig::place(const WidgetBase& widget, float x, float y) {
     return in_window(widget, {widget.bounds.w * x, widget.bounds.h * y});
-}
-
-void FormsRig::move(pointf p) {
-    mouse = p;
-    gui.mousemove(p, static_cast<int>(buttons));
-}
-
-void FormsRig::press(pointf p) {
-    mouse = p;
-    buttons = 1;
-    gui.mousedown(p, 1);
-    gui.mousemove(p, 1);
-}
-
-void FormsRig::release() {
-    buttons = 0;
-    gui.mouseup(mouse, 1);
-}
-
-void FormsRig::click(pointf p) {
-    press(p);
-    release();
-}
-
-void FormsRig::click(const WidgetBase& widget) {
-    click(place(widget));
 }
 
 void FormsRig::choose(OptionListWidget& list, int option) {
     list.layout();
     click(in_window(list, list.option_rectangles.at(static_cast<std::size_t>(option)).center()));
-    advance(0.2);
-}
-
-void FormsRig::draw() const {
-    glViewport(0, 0, static_cast<int>(width_), static_cast<int>(height_));
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glOrtho(0, static_cast<double>(width_), static_cast<double>(height_), 0, -1, 1);
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    gui.draw();
+    pass(0.2);
 }

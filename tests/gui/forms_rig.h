@@ -3,8 +3,9 @@
 
 #include "gui/file_chooser.h"
 #include "gui/forms.h"
-#include "gui/gui_environment.h"
 #include "gui/player_control.h"
+
+#include "support/gui_world.h"
 
 #include <string>
 #include <vector>
@@ -63,17 +64,12 @@ class FakeChooser : public FormWidget, public FileChooser {
     std::vector<std::string> calls;
 };
 
-/// All forms in `gui`, in a window of a given size, with a clock, a mouse and a player of the
-/// test's own, and every setting at its default.
-class FormsRig {
+/// A world with all forms in `gui`, a player of the test's own, and every setting at its default.
+class FormsRig : public GuiWorld {
   public:
-    explicit FormsRig(float width = 800.0F, float height = 600.0F);
+    explicit FormsRig(int width = 800, int height = 600);
     ~FormsRig();
-    FormsRig(const FormsRig&) = delete;
-    FormsRig& operator=(const FormsRig&) = delete;
 
-    /// Lets time pass in steps as short as between refreshes.
-    void advance(double seconds);
     /// Shows a form and waits until it stands still.
     void open(FormWidget& form);
 
@@ -86,32 +82,13 @@ class FormsRig {
     /// A place within a widget, in shares of its size, in window pixels.
     static pointf place(const WidgetBase& widget, float x = 0.5F, float y = 0.5F);
     /// A point of a widget's own coordinates, in window pixels.
-    static pointf in_window(const WidgetBase& widget, pointf p);
+    static pointf in_window(const WidgetBase& widget, pointf p) { return ::in_window(&widget, p); }
 
-    // The left button of the mouse, as the event loop hands it over: a press is followed by a move
-    // with the button held.
-    void move(pointf p);
-    void press(pointf p);
-    void release();
-    void click(const WidgetBase& widget);
-    void click(pointf p);
     /// Chooses an option and waits until its setting has arrived.
     void choose(OptionListWidget& list, int option);
 
-    /// Draws `gui` into the current framebuffer, whose size is the rig's. Needs a GL context.
-    void draw() const;
-
     FakePlayer player;
     object_ref<FakeChooser> chooser;
-    static double time;
-    static pointf mouse;
-    static unsigned buttons;
-    static bool cursor_visible;
-
-  private:
-    float width_;
-    float height_;
-    GuiEnvironment outside_;
 };
 
 /// Every one of them.

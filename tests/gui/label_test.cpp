@@ -3,7 +3,7 @@
 #include "gui/text_balloon_widget.h"
 #include "gui/text_label_widget.h"
 #include "support/drawing_recorder.h"
-#include "support/gui_world.h"
+#include "support/gui_test.h"
 
 #include <tuple>
 #include <utility>

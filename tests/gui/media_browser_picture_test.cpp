@@ -58,9 +58,7 @@ class BrowserPictures : public GlTest, public BrowserRig {
         GlTest::TearDown();
     }
 
-    PngPicture picture() {
-        return drawn_picture(800, 600, {0, 0, 800, 600}, [] { draw(); });
-    }
+    PngPicture picture() { return drawn_picture(800, 600, {0, 0, 800, 600}, GuiWorld::draw); }
     static Color at(const PngPicture& picture, int x, int y) {
         const auto i = static_cast<std::size_t>(y * picture.width + x) * 3U;
         return {picture.bytes[i], picture.bytes[i + 1], picture.bytes[i + 2]};
@@ -82,7 +80,7 @@ TEST_F(BrowserPictures, TextStandsRightOfThePicture) {
         pretend({"../", "a.mp4", "b.mp4"}, 2);
         player.thumbnails[path("a.mp4")] = quarters(shape.width, shape.height);
         DrawingRecorder recorder(true);
-        draw();
+        GuiWorld::draw();
         EXPECT_EQ(recorder.text("a.mp4").points[0].x,
                   static_cast<float>(10 + shape.drawn_width + 10));
         EXPECT_EQ(recorder.text("b.mp4").points[0].x, 10) << "it has none";
@@ -127,7 +125,7 @@ TEST_F(BrowserPictures, ScaleFollowsTheWindow) {
     resize(400, 300);
     pretend({"../", "a.mp4"}, 2);
     player.thumbnails[path("a.mp4")] = quarters(192, 144);
-    const PngPicture drawn = drawn_picture(400, 300, {0, 0, 400, 300}, [] { draw(); });
+    const PngPicture drawn = drawn_picture(400, 300, {0, 0, 400, 300}, GuiWorld::draw);
     EXPECT_EQ(at(drawn, 6, 63), red);
     EXPECT_EQ(at(drawn, 41, 89), yellow);
     EXPECT_EQ(at(drawn, 43, 76), black);

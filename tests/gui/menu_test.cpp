@@ -13,7 +13,7 @@ class Menu : public ::testing::Test {
   protected:
     Menu() {
         rig_.move(FormsRig::in_window(menu_, {2, 2}));
-        rig_.advance(0.5);
+        rig_.pass(0.5);
     }
 
     pointf button_center(std::size_t button) const {
@@ -28,9 +28,9 @@ TEST_F(Menu, AppearsUnderThePointerAndGoes) {
     EXPECT_TRUE(menu_.visible);
     rig_.move({400, 300});
     // Of its three seconds, 0.3 are over since it had faded in.
-    rig_.advance(2.65);
+    rig_.pass(2.65);
     EXPECT_EQ(menu_.animation_state, FormWidget::idle);
-    rig_.advance(0.35);
+    rig_.pass(0.35);
     EXPECT_FALSE(menu_.visible);
 }
 
@@ -39,7 +39,7 @@ TEST_F(Menu, OnlyTheIconUnderThePointerMoves) {
     for (std::size_t hovered = 0; hovered < 4; ++hovered) {
         const auto before = menu_.phases;
         rig_.move(button_center(hovered));
-        rig_.advance(0.5);
+        rig_.pass(0.5);
         for (std::size_t i = 0; i < 4; ++i) {
             const float moved = i == hovered ? speeds[i] * 0.5F : 0.0F;
             EXPECT_NEAR(menu_.phases[i] - before[i], moved, 1e-3F) << i << " of " << hovered;
@@ -50,11 +50,11 @@ TEST_F(Menu, OnlyTheIconUnderThePointerMoves) {
 TEST_F(Menu, NothingMovesBetweenTheButtons) {
     rig_.move(FormsRig::in_window(menu_, {46, 20}));
     menu_.dirty = false;
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     EXPECT_EQ(menu_.phases, (std::array<float, 4>{}));
     EXPECT_FALSE(menu_.dirty);
     rig_.move(button_center(0));
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(menu_.dirty);
 }
 
@@ -64,10 +64,10 @@ TEST_F(Menu, ButtonsOpenAndCloseTheirForms) {
         // A form may lie over the menu.
         forms[i]->bounds = {-100, -100, 200, 200};
         rig_.click(button_center(i));
-        rig_.advance(0.5);
+        rig_.pass(0.5);
         EXPECT_TRUE(forms[i]->visible) << i;
         rig_.click(button_center(i));
-        rig_.advance(0.5);
+        rig_.pass(0.5);
         EXPECT_FALSE(forms[i]->visible) << i;
     }
     EXPECT_EQ(rig_.player.take_calls(), Calls{});
@@ -96,7 +96,7 @@ TEST_F(Menu, FollowsTheCornerOfTheScreen) {
     menu_.bounds.x = -500;
     menu_.bounds.y = -280;
     rig_.move(button_center(1));
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     rig_.click(button_center(1));
     EXPECT_EQ(pivot(*formVideoSettings).x, -500 + 66.0F);
     EXPECT_EQ(pivot(*formVideoSettings).y, -280 + 22.0F);

@@ -11,7 +11,7 @@ namespace {
 using Calls = std::vector<std::string>;
 
 // Wide enough for two forms side by side.
-constexpr float wide = 1600.0F;
+constexpr int wide = 1600;
 
 class SettingsForms : public ::testing::Test {
   protected:
@@ -101,9 +101,9 @@ TEST_F(SettingsForms, CloseButtonsCloseTheirForms) {
           static_cast<FormWidget*>(formVideoAdvancedSettings)}) {
         rig_.open(*form);
         ASSERT_TRUE(form->visible);
-        rig_.click(*FormsRig::button(*form, "Close"));
+        rig_.click(FormsRig::button(*form, "Close"));
         EXPECT_EQ(form->animation_state, FormWidget::hiding) << form->title;
-        rig_.advance(0.5);
+        rig_.pass(0.5);
         EXPECT_FALSE(form->visible) << form->title;
     }
 }
@@ -129,7 +129,7 @@ TEST_F(SettingsForms, OtherControlsAskNothingOfThePlayer) {
     rig_.choose(*FormsRig::options(*formVideoSettings, "Status:"), 1);
     rig_.choose(*FormsRig::options(*formVideoSettings, "Demo mode:"), 1);
     rig_.choose(*FormsRig::options(*formVideoSettings, "Spatial zoom:"), 3);
-    rig_.click(*FormsRig::slider(*formVideoSettings, "Contrast:"));
+    rig_.click(FormsRig::slider(*formVideoSettings, "Contrast:"));
     rig_.open(*formVideoAdvancedSettings);
     rig_.choose(*FormsRig::options(*formVideoAdvancedSettings, "Offload decoding tasks to GPU:"),
                 0);
@@ -152,7 +152,7 @@ TEST_F(SettingsForms, FactorsThatFitATextureAreEnabled) {
     // Without a video they stay as they were.
     rig_.player.width = 0;
     formVideoSettings->hide();
-    rig_.advance(0.5);
+    rig_.pass(0.5);
     rig_.open(*formVideoSettings);
     EXPECT_EQ(enabled, (std::vector<bool>{true, true, false, false}));
 }
@@ -183,7 +183,7 @@ TEST_F(SettingsForms, EitherSideOfAPictureLimitsTheFactor) {
         EXPECT_EQ(formVideoSettings->spatial_upscaling->option_enabled, c.enabled)
             << c.width << " x " << c.height;
         formVideoSettings->hide();
-        rig_.advance(0.5);
+        rig_.pass(0.5);
     }
 }
 
@@ -195,7 +195,7 @@ TEST_F(SettingsForms, AlgorithmIsShownByBothForms) {
     const auto both_clean = [] {
         formVideoSettings->dirty = formVideoAdvancedSettings->dirty = false;
     };
-    rig_.advance(1);
+    rig_.pass(1);
     both_clean();
     OptionListWidget* algo = formVideoSettings->algorithm;
     EXPECT_EQ(algo, FormsRig::options(*formVideoSettings, "Algo:"));
@@ -231,12 +231,12 @@ TEST_F(SettingsForms, AdvancedButtonOpensAndCloses) {
     drag_to(*formVideoSettings, -800);
     EXPECT_EQ(formVideoSettings->bounds.x, -800.0F);
     ButtonWidget* advanced = FormsRig::button(*formVideoSettings, "Advanced");
-    rig_.click(*advanced);
-    rig_.advance(0.5);
+    rig_.click(advanced);
+    rig_.pass(0.5);
     EXPECT_TRUE(formVideoAdvancedSettings->visible);
     EXPECT_TRUE(formVideoSettings->visible) << "they stand side by side";
-    rig_.click(*advanced);
-    rig_.advance(0.5);
+    rig_.click(advanced);
+    rig_.pass(0.5);
     EXPECT_FALSE(formVideoAdvancedSettings->visible);
 }
 
@@ -250,20 +250,20 @@ TEST_F(SettingsForms, OpeningOneClosesWhatItCovers) {
 TEST_F(SettingsForms, SettingsChangedElsewhereAreDrawnAnew) {
     rig_.open(*formAudioSettings);
     formAudioSettings->dirty = false;
-    rig_.advance(0.1);
+    rig_.pass(0.1);
     EXPECT_FALSE(formAudioSettings->dirty);
     master_settings.volume.setValue(-3);
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(formAudioSettings->dirty);
     rig_.open(*formVideoAdvancedSettings);
     formVideoAdvancedSettings->dirty = false;
     master_settings.denoising_level.setValue(3);
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(formVideoAdvancedSettings->dirty);
     rig_.open(*formVideoSettings);
     formVideoSettings->dirty = false;
     master_settings.spatial_upscaling_factor.setValue(2);
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(formVideoSettings->dirty);
 }
 
@@ -274,7 +274,7 @@ TEST_F(SettingsForms, LiveWithoutAPlayerAndWithoutEachOther) {
     EXPECT_EQ(master_settings.vsync.getValue(), 1.0F);
     formVideoAdvancedSettings = nullptr;
     rig_.choose(*formVideoSettings->algorithm, 1);
-    rig_.click(*FormsRig::button(*formVideoSettings, "Advanced"));
+    rig_.click(FormsRig::button(*formVideoSettings, "Advanced"));
     EXPECT_EQ(master_settings.upscaling_algorithm.getValue(), 1.0F);
 }
 

@@ -3,7 +3,7 @@
 
 #include "gui/gl_font.h"
 #include "support/drawing_recorder.h"
-#include "support/gui_world.h"
+#include "support/gui_test.h"
 
 namespace {
 

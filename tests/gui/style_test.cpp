@@ -2,7 +2,7 @@
 #include "gui/widget_style.h"
 
 #include "support/drawing_recorder.h"
-#include "support/gui_world.h"
+#include "support/gui_test.h"
 
 namespace {
 

@@ -18,11 +18,11 @@ class TransportBar : public ::testing::Test {
         rig_.player.duration_ = 100.0;
         rig_.player.position_ = 40.0;
         rig_.move(FormsRig::in_window(bar_, {5, 5}));
-        rig_.advance(0.5);
+        rig_.pass(0.5);
     }
 
     Calls click(const WidgetBase* button) {
-        rig_.click(*button);
+        rig_.click(button);
         return rig_.player.take_calls();
     }
 
@@ -36,14 +36,14 @@ TEST_F(TransportBar, AppearsUnderThePointerAndGoes) {
     EXPECT_EQ(bar_.opacity, 1.0F);
     rig_.move({400, 100});
     // Of its three seconds, 0.3 are over since it had faded in.
-    rig_.advance(2.65);
+    rig_.pass(2.65);
     EXPECT_EQ(bar_.animation_state, FormWidget::idle);
-    rig_.advance(0.1);
+    rig_.pass(0.1);
     EXPECT_EQ(bar_.animation_state, FormWidget::hiding);
-    rig_.advance(0.25);
+    rig_.pass(0.25);
     EXPECT_FALSE(bar_.visible);
     rig_.move(FormsRig::in_window(bar_, {499, 49}));
-    rig_.advance(0.1);
+    rig_.pass(0.1);
     EXPECT_TRUE(bar_.visible);
     EXPECT_EQ(bar_.animation_state, FormWidget::showing);
     EXPECT_EQ(bar_.scale.x, 1.0F) << "it only fades";
@@ -53,10 +53,10 @@ TEST_F(TransportBar, AppearsUnderThePointerAndGoes) {
 TEST_F(TransportBar, StaysWhileAButtonIsHeld) {
     rig_.press(FormsRig::place(*bar_.position));
     rig_.move({400, 100});
-    rig_.advance(5);
+    rig_.pass(5);
     EXPECT_TRUE(bar_.visible);
     rig_.release();
-    rig_.advance(3);
+    rig_.pass(3);
     EXPECT_FALSE(bar_.visible);
 }
 
@@ -76,22 +76,22 @@ TEST_F(TransportBar, PlayResumesOnce) {
 TEST_F(TransportBar, RewindScansWhileHeld) {
     rig_.press(FormsRig::place(*bar_.rewind));
     EXPECT_EQ(rig_.player.take_calls(), (Calls{"rewind", "label <<"}));
-    FormsRig::cursor_visible = false;
-    rig_.advance(1);
+    rig_.cursor = false;
+    rig_.pass(1);
     EXPECT_EQ(rig_.player.take_calls(), Calls{});
     rig_.release();
     EXPECT_EQ(rig_.player.take_calls(), Calls{"pause"});
-    EXPECT_TRUE(FormsRig::cursor_visible);
+    EXPECT_TRUE(rig_.cursor);
     EXPECT_FALSE(rig_.player.rewinding);
 }
 
 TEST_F(TransportBar, FastForwardScansWhileHeld) {
     rig_.press(FormsRig::place(*bar_.fast_forward));
     EXPECT_EQ(rig_.player.take_calls(), Calls{"fast forward"});
-    FormsRig::cursor_visible = false;
+    rig_.cursor = false;
     rig_.release();
     EXPECT_EQ(rig_.player.take_calls(), Calls{"pause"});
-    EXPECT_TRUE(FormsRig::cursor_visible);
+    EXPECT_TRUE(rig_.cursor);
 }
 
 TEST_F(TransportBar, ScanEndsWhenLetGoElsewhere) {
@@ -106,22 +106,22 @@ TEST_F(TransportBar, ScanEndsWhenLetGoElsewhere) {
 
 TEST_F(TransportBar, PreviousRestartsOrGoesBack) {
     rig_.player.position_ = 10;
-    rig_.advance(0.02);
+    rig_.pass(0.02);
     EXPECT_EQ(click(bar_.previous), Calls{"seek 0"});
     EXPECT_EQ(rig_.chooser->calls, Calls{});
     rig_.player.position_ = 2;
-    rig_.advance(0.02);
+    rig_.pass(0.02);
     EXPECT_EQ(click(bar_.previous), Calls{});
     EXPECT_EQ(rig_.chooser->calls, Calls{"previous"});
 }
 
 TEST_F(TransportBar, PreviousAtTheLimit) {
     rig_.player.position_ = 2.5;
-    rig_.advance(0.02);
+    rig_.pass(0.02);
     EXPECT_EQ(click(bar_.previous), Calls{});
     EXPECT_EQ(rig_.chooser->calls, Calls{"previous"});
     rig_.player.position_ = 2.501;
-    rig_.advance(0.02);
+    rig_.pass(0.02);
     EXPECT_EQ(click(bar_.previous), Calls{"seek 0"});
 }
 
@@ -149,8 +149,8 @@ TEST_F(TransportBar, LivesWithoutPlayerAndFiles) {
     player_control = nullptr;
     file_chooser = nullptr;
     for (const object_ref<WidgetBase>& child : bar_.children)
-        if (child->visible) rig_.click(*child);
-    rig_.advance(0.1);
+        if (child->visible) rig_.click(child);
+    rig_.pass(0.1);
     EXPECT_EQ(bar_.position->getValue(), 0.0F);
 }
 
@@ -159,11 +159,11 @@ TEST_F(TransportBar, FollowsPositionAndDuration) {
     EXPECT_EQ(bar_.position->getValue(), 40.0F);
     rig_.player.duration_ = 7200.5;
     rig_.player.position_ = 3600.25;
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_EQ(bar_.position->value->maximum(), 7200.5F);
     EXPECT_NEAR(bar_.position->getValue(), 3600.25F, 1e-3F);
     rig_.player.open_ = false;
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_EQ(bar_.position->getValue(), 0.0F);
 }
 
@@ -174,7 +174,7 @@ TEST_F(TransportBar, OddPositionsAndDurations) {
             rig_.player.duration_ = duration;
             rig_.player.position_ = position;
             rig_.move(FormsRig::place(*bar_.position));
-            rig_.advance(0.02);
+            rig_.pass(0.02);
             EXPECT_GE(bar_.position->getValue(), 0.0F);
             EXPECT_LE(bar_.position->getValue(), bar_.position->value->maximum());
             EXPECT_LE(bar_.position->value->maximum(), 2e6F);
@@ -190,7 +190,7 @@ TEST_F(TransportBar, DraggingSeeksOnceOnRelease) {
     rig_.press(FormsRig::in_window(*bar_.position, {110, 12}));
     rig_.move(FormsRig::in_window(*bar_.position, {165, 12}));
     rig_.player.position_ = 41;
-    rig_.advance(0.1);
+    rig_.pass(0.1);
     EXPECT_EQ(rig_.player.take_calls(), Calls{});
     EXPECT_EQ(bar_.position->getValue(), 75.0F) << "the player does not move a held knob";
     EXPECT_EQ(bar_.balloon->text, "00:01:15:000");
@@ -200,7 +200,7 @@ TEST_F(TransportBar, DraggingSeeksOnceOnRelease) {
     EXPECT_FLOAT_EQ(knob.x, 208.0F * 0.75F);
     rig_.release();
     EXPECT_EQ(rig_.player.take_calls(), Calls{"seek 75000000"});
-    rig_.advance(0.1);
+    rig_.pass(0.1);
     EXPECT_EQ(rig_.player.take_calls(), Calls{});
     EXPECT_EQ(bar_.position->getValue(), 41.0F) << "now it does";
 }
@@ -222,38 +222,38 @@ TEST_F(TransportBar, PositionDoesNotSnap) {
 TEST_F(TransportBar, BalloonTellsThePositionUnderThePointer) {
     EXPECT_FALSE(bar_.balloon->visible);
     rig_.move(FormsRig::in_window(*bar_.position, {0, 0}));
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(bar_.balloon->visible);
     EXPECT_EQ(bar_.balloon->text, "00:00:40:000");
     EXPECT_FLOAT_EQ(bar_.balloon->bounds.x, 220 + 208 * 0.4F + 6 - 20);
     EXPECT_EQ(bar_.balloon->bounds.y, -28.0F);
     rig_.move(FormsRig::in_window(*bar_.position, {220.5F, 12}));
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_FALSE(bar_.balloon->visible) << "between the sliders";
 }
 
 TEST_F(TransportBar, BalloonTellsTheVolumeUnderThePointer) {
     master_settings.volume.setValue(3);
     rig_.move(FormsRig::place(*bar_.volume));
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(bar_.balloon->visible);
     EXPECT_EQ(bar_.balloon->text, "Vol: +3.00 dB");
     EXPECT_EQ(bar_.balloon->bounds.x, 445.0F);
     rig_.press(FormsRig::in_window(*bar_.volume, {0, 12}));
     rig_.move({10, 10});
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(bar_.balloon->visible) << "while it is dragged";
     EXPECT_EQ(bar_.balloon->text, "Vol: -40.00 dB");
     EXPECT_EQ(master_settings.volume.getValue(), -40.0F);
     rig_.release();
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_FALSE(bar_.balloon->visible);
 }
 
 TEST_F(TransportBar, DraggedPositionWinsOverTheVolumeBelowThePointer) {
     rig_.press(FormsRig::place(*bar_.position));
     rig_.move(FormsRig::place(*bar_.volume));
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_EQ(bar_.balloon->text, "00:01:40:000");
     rig_.release();
 }
@@ -284,41 +284,41 @@ TEST(TransportTexts, Volumes) {
 
 // What makes the bar be drawn anew, and what does not.
 TEST_F(TransportBar, IsDrawnAnewOnlyWhenItChanges) {
-    rig_.advance(0.1);
+    rig_.pass(0.1);
     bar_.dirty = false;
     rig_.player.position_ += 0.02;
-    rig_.advance(0.05);
+    rig_.pass(0.05);
     EXPECT_FALSE(bar_.dirty) << "too little to see";
     rig_.player.position_ += 1;
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(bar_.dirty);
     bar_.dirty = false;
     rig_.player.paused = true;
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(bar_.dirty);
     bar_.dirty = false;
     master_settings.volume.setValue(5);
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(bar_.dirty);
     bar_.dirty = false;
-    rig_.advance(0.05);
+    rig_.pass(0.05);
     EXPECT_FALSE(bar_.dirty);
     rig_.move(FormsRig::place(*bar_.volume));
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(bar_.dirty);
     rig_.move(FormsRig::in_window(bar_, {5, 5}));
     bar_.dirty = false;
-    rig_.advance(0.01);
+    rig_.pass(0.01);
     EXPECT_TRUE(bar_.dirty) << "the balloon went";
 }
 
 TEST_F(TransportBar, SmallStepsAddUp) {
-    rig_.advance(0.1);
+    rig_.pass(0.1);
     bar_.dirty = false;
     int drawn = 0;
     for (int i = 0; i < 100; ++i) {
         rig_.player.position_ += 0.01;
-        rig_.advance(0.01);
+        rig_.pass(0.01);
         drawn += bar_.dirty ? 1 : 0;
         bar_.dirty = false;
     }

@@ -4,7 +4,7 @@
 #include "gui/gl_font.h"
 #include "support/drawing_recorder.h"
 #include "support/gl_fixture.h"
-#include "support/gui_world.h"
+#include "support/gui_test.h"
 
 #include <GL/glew.h>
 

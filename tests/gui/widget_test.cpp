@@ -2,7 +2,7 @@
 #include "gui/widget.h"
 
 #include "gui/gui_environment.h"
-#include "support/gui_world.h"
+#include "support/gui_test.h"
 
 #include <cmath>
 #include <cstdint>

@@ -5,6 +5,7 @@
 
 #include "core/settings.h"
 #include "gui/gl_font.h"
+#include "gui/widget_text.h"
 #include "platform/resources.h"
 #include "player/clocks.h"
 #include "player/infolabel.h"
@@ -220,7 +221,7 @@ class HudLayout : public ::testing::Test {
         int size = 0;
         load_resource("GLF", "DEFAULT", &data, &size);
         default_font.Create(reinterpret_cast<const char*>(data), size, 0);
-        ASSERT_GT(measure_text("x").y, 20.0F);
+        ASSERT_GT(text_size("x").y, 20.0F);
     }
     void TearDown() override { default_font.Destroy(); }
 
@@ -258,7 +259,7 @@ TEST_F(HudLayout, StatusLineEndsFiftyPixelsFromTheRightEdge) {
     const auto texts = hud_texts(input);
     ASSERT_EQ(texts.size(), 1U);
     EXPECT_EQ(texts[0].text, "00:00:01:234");
-    EXPECT_EQ(texts[0].x + measure_text("00:00:01:234").x, 950.0F);
+    EXPECT_EQ(texts[0].x + text_size("00:00:01:234").x, 950.0F);
     EXPECT_EQ(texts[0].y, 50.0F);
     EXPECT_EQ(texts[0].alpha, 1.0F) << "opaque";
     EXPECT_FALSE(texts[0].outlined);
@@ -289,11 +290,11 @@ TEST_F(HudLayout, SubtitleLinesAreCentredBelowEachOther) {
         ASSERT_EQ(found.size(), 2U);
         for (const OverlayText& line : found) {
             EXPECT_FLOAT_EQ(line.scale, size);
-            EXPECT_FLOAT_EQ(line.x, (width - measure_text(line.text).x * size) * 0.5F);
+            EXPECT_FLOAT_EQ(line.x, (width - text_size(line.text).x * size) * 0.5F);
             EXPECT_TRUE(line.outlined);
         }
         EXPECT_FLOAT_EQ(found[0].y, height - 80.0F);
-        EXPECT_FLOAT_EQ(found[1].y, height - 80.0F + size * measure_text("x").y);
+        EXPECT_FLOAT_EQ(found[1].y, height - 80.0F + size * text_size("x").y);
     }
 }
 
@@ -319,7 +320,7 @@ TEST_F(HudLayout, LinesBelowTheWindowAreLeftOut) {
         text += std::to_string(i) + "\n";
     for (const float height : {100.0F, 600.0F, 4000.0F}) {
         const auto found = lines(text, height * 4 / 3, height);
-        const float line = found[0].scale * measure_text("0").y;
+        const float line = found[0].scale * text_size("0").y;
         EXPECT_GE(found.back().y, height) << "nothing that can be seen is missing";
         EXPECT_LE(found.back().y - line, height);
         EXPECT_EQ(found.back().text, std::to_string(found.size() - 1));

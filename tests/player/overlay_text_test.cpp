@@ -6,6 +6,7 @@
 #include "gpu/video_display.h"
 #include "gui/gl_font.h"
 #include "gui/graphics.h"
+#include "gui/widget_text.h"
 #include "support/gl_fixture.h"
 
 #include <algorithm>
@@ -83,7 +84,7 @@ TEST_F(OverlayTextTest, AlphaWeakensIt) {
 
 TEST_F(OverlayTextTest, StandsOnItsLowerEdge) {
     const Image shown = over(black, {"gjpqyWMQ|", 40, 100});
-    const auto bottom = static_cast<int>(100 - measure_text("g").y);
+    const auto bottom = static_cast<int>(100 - text_size("g").y);
     for (int y = 0; y < window_height; ++y) {
         for (int x = 0; x < window_width; ++x) {
             const bool lit = shown.at(x, y).r > 0.02F;

@@ -6,7 +6,10 @@
 #include "gui/screen.h"
 #include "platform/resources.h"
 
+#include <GL/glew.h>
+
 #include <algorithm>
+#include <stdexcept>
 
 namespace {
 
@@ -28,8 +31,7 @@ Widget* find_text(const WidgetContainer* in, int type, const std::string& text) 
             return static_cast<Widget*>(child);
         }
     }
-    ADD_FAILURE() << "no widget says " << text;
-    return nullptr;
+    throw std::runtime_error("no widget says " + text);
 }
 
 }  // namespace
@@ -120,6 +122,18 @@ void GuiWorld::pass(double seconds, double step) {
     }
 }
 
+void GuiWorld::draw() {
+    const auto width = static_cast<int>(gui.bounds.w);
+    const auto height = static_cast<int>(gui.bounds.h);
+    glViewport(0, 0, width, height);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(0, width, height, 0, -1, 1);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    gui.draw();
+}
+
 pointf in_window(const WidgetBase* widget, pointf p) {
     for (; widget; widget = widget->parent) {
         const pointf half(widget->bounds.w / 2.0F, widget->bounds.h / 2.0F);
@@ -139,10 +153,7 @@ pointf middle_of(const OptionListWidget* list, const std::string& option) {
     if (!list) return {-1.0F, -1.0F};
     const_cast<OptionListWidget*>(list)->layout();
     const auto found = std::find(list->option_texts.begin(), list->option_texts.end(), option);
-    if (found == list->option_texts.end()) {
-        ADD_FAILURE() << "no option " << option;
-        return {-1.0F, -1.0F};
-    }
+    if (found == list->option_texts.end()) throw std::runtime_error("no option " + option);
     const auto index = static_cast<std::size_t>(found - list->option_texts.begin());
     return in_window(list, list->option_rectangles[index].center());
 }
@@ -161,48 +172,23 @@ WidgetBase* find_control(const WidgetContainer* in, const std::string& label) {
     for (WidgetBase* child : in->children) {
         const bool control =
             child->hastype(WidgetTypes::slider) || child->hastype(WidgetTypes::option_list);
-        if (!control || !named || child->bounds.y != named->bounds.y ||
-            child->bounds.x < named->bounds.x) {
+        if (!control || child->bounds.y != named->bounds.y || child->bounds.x < named->bounds.x) {
             continue;
         }
         if (!nearest || child->bounds.x < nearest->bounds.x) nearest = child;
     }
-    EXPECT_NE(nearest, nullptr) << "nothing beside " << label;
+    if (!nearest) throw std::runtime_error("nothing beside " + label);
     return nearest;
 }
 
 SliderWidget* find_slider(const WidgetContainer* in, const std::string& label) {
     WidgetBase* control = find_control(in, label);
-    if (control && control->hastype(WidgetTypes::slider)) {
-        return static_cast<SliderWidget*>(control);
-    }
-    ADD_FAILURE() << "no slider beside " << label;
-    return nullptr;
+    if (control->hastype(WidgetTypes::slider)) return static_cast<SliderWidget*>(control);
+    throw std::runtime_error("no slider beside " + label);
 }
 
 OptionListWidget* find_options(const WidgetContainer* in, const std::string& label) {
     WidgetBase* control = find_control(in, label);
-    if (control && control->hastype(WidgetTypes::option_list)) {
-        return static_cast<OptionListWidget*>(control);
-    }
-    ADD_FAILURE() << "no options beside " << label;
-    return nullptr;
-}
-
-void ListeningForm::onevent(EventArgs& event) {
-    events.push_back(event);
-    FormWidget::onevent(event);
-}
-
-std::vector<EventTypes::Action> ListeningForm::actions() const {
-    std::vector<EventTypes::Action> all;
-    for (const EventArgs& event : events)
-        all.push_back(event.action);
-    return all;
-}
-
-GuiTest::GuiTest() : form(new ListeningForm) {
-    form->title = "Test";
-    form->bounds = {-200.0F, -150.0F, 400.0F, 300.0F};
-    gui.add(form);
+    if (control->hastype(WidgetTypes::option_list)) return static_cast<OptionListWidget*>(control);
+    throw std::runtime_error("no options beside " + label);
 }

@@ -9,14 +9,11 @@
 #include "gui/text_balloon_widget.h"
 #include "gui/text_label_widget.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
-#include <vector>
 
 /// Everything around `gui` in the hands of a test: the clock, the mouse, the window's size. Points
-/// are in window pixels. Needs no window and no context: the font only measures. One at a time;
-/// empties `gui` when it goes.
+/// are in window pixels. Needs no window and no context but to draw: the font only measures. One at
+/// a time; empties `gui` when it goes.
 class GuiWorld {
   public:
     explicit GuiWorld(int width = 800, int height = 600);
@@ -32,6 +29,8 @@ class GuiWorld {
     bool press(pointf p, int button = 1);
     bool move(pointf p);
     bool release(pointf p);
+    /// Where the mouse is.
+    bool release() { return release(mouse); }
     /// Press and release in one place.
     void click(pointf p);
     void click(const WidgetBase* widget);
@@ -41,6 +40,9 @@ class GuiWorld {
 
     /// Lets time pass, with a tick of `gui` every `step` seconds.
     void pass(double seconds, double step = 0.01);
+
+    /// Draws `gui` into the current framebuffer, whose size is the window's. Needs a GL context.
+    static void draw();
 
     double clock = 100.0;
     pointf mouse{-10000.0F, -10000.0F};
@@ -56,31 +58,13 @@ class GuiWorld {
 /// Where a point of a widget's own system lies in the window.
 pointf in_window(const WidgetBase* widget, pointf p);
 pointf middle_of(const WidgetBase* widget);
-/// The middle of an option; the test fails where there is none of that text.
+/// The middle of an option. Throws where there is none of that text.
 pointf middle_of(const OptionListWidget* list, const std::string& option);
 
-/// The button of that text in a container; null, failing the test, where there is none.
+/// The button of that text in a container. These throw where there is no such widget.
 ButtonWidget* find_button(const WidgetContainer* in, const std::string& text);
 TextLabelWidget* find_label(const WidgetContainer* in, const std::string& text);
 /// The control nearest to the right of a label and level with it.
 WidgetBase* find_control(const WidgetContainer* in, const std::string& label);
 SliderWidget* find_slider(const WidgetContainer* in, const std::string& label);
 OptionListWidget* find_options(const WidgetContainer* in, const std::string& label);
-
-/// A form that notes the events it gets before it does with them what forms do.
-class ListeningForm : public FormWidget {
-  public:
-    void onevent(EventArgs& event) override;
-
-    std::vector<EventTypes::Action> actions() const;
-    std::vector<EventArgs> events;
-};
-
-/// A test with a world in which there is one open form of 400 x 300 in the middle of the window.
-class GuiTest : public ::testing::Test {
-  protected:
-    GuiTest();
-
-    GuiWorld world;
-    object_ref<ListeningForm> form;
-};

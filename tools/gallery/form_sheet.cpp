@@ -56,9 +56,7 @@ void add_menus(Exhibition& all) {
 
 void add_bars(Exhibition& all) {
     FormsRig& rig = all.rig;
-    const auto point_at = [](const WidgetBase& widget) {
-        FormsRig::mouse = FormsRig::place(widget);
-    };
+    const auto point_at = [&rig](const WidgetBase& widget) { rig.mouse = FormsRig::place(widget); };
     rig.player.duration_ = 100;
     all.add(*formTransportBar, 30, 780, "playing, the pointer on the position", [&rig, point_at] {
         rig.player.position_ = 40;
@@ -71,7 +69,7 @@ void add_bars(Exhibition& all) {
     all.add(*formTransportBar, 590, 580, "silent", [&rig] {
         rig.player.paused = false;
         master_settings.volume.setValue(-40);
-        FormsRig::mouse = {0, 0};
+        rig.mouse = {0, 0};
     });
     all.add(*formTransportBar, 590, 680, "no file", [&rig] { rig.player.open_ = false; });
 }
