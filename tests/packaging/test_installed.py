@@ -132,7 +132,8 @@ class Player(support.PlayerTestCase):
     def test_window_belongs_to_the_desktop_entry(self):
         player = self.start(support.clip("h264_nob.mp4"))
         said = self.display.run("xprop", "-id", player.window(), "WM_CLASS")
-        self.assertIn('"vyx"', said)
+        entry = read(SOURCE, "packaging", "vyx.desktop")
+        self.assertIn('"' + re.search(r"(?m)^StartupWMClass=(.*)$", entry).group(1) + '"', said)
 
     def test_says_what_is_missing(self):
         result = subprocess.run([support.VYX, "/nowhere/film.mp4"], check=False, capture_output=True, text=True,

@@ -57,6 +57,12 @@ class Manual(InstalledTestCase):
                 cwd=self.installed.path("share", "man"))  # fmt: skip
             self.assertEqual((result.returncode, result.stderr), (0, ""), page)
 
+    def test_version(self):
+        version = re.search(r"project\(vyx VERSION (\S+)", read(SOURCE, "CMakeLists.txt")).group(1)
+        for page in PAGES:
+            self.assertRegex(source(page), rf'(?m)^\.TH \S+ \d \d{{4}}-\d\d-\d\d "VYX {re.escape(version)}" ')
+        self.assertTrue(read(PACKAGING, "debian", "changelog").startswith(f"vyx ({version}) "))
+
     def test_nothing_is_left_to_fill_in(self):
         for page in PAGES:
             with gzip.open(self.installed.find(page + ".gz"), "rt", encoding="utf-8") as file:
