@@ -16,8 +16,10 @@ namespace {
 // Replaces a plane from `offset` in the buffer that is bound.
 void upload_plane(const gl_texture_resource* tex, GLenum format, std::uintptr_t offset) {
     glBindTexture(tex->target(), tex->name());
+    // OpenGL wants the offset as a pointer.
+    const auto* place = reinterpret_cast<const void*>(offset);  // NOLINT(performance-no-int-to-ptr)
     glTexSubImage2D(tex->target(), 0, 0, 0, tex->width(), tex->height(), format, GL_UNSIGNED_BYTE,
-                    reinterpret_cast<const void*>(offset));
+                    place);
 }
 
 void corner(const DirectPlanes& planes, int x, int y, int width, int height) {

@@ -20,8 +20,8 @@ WindowTable window_table(int size) {
     return table;
 }
 
-std::array<float, 3 * window_length> three_columns(const WindowTable& table) {
-    std::array<float, 3 * window_length> values{};
+std::array<float, std::size_t{3} * window_length> three_columns(const WindowTable& table) {
+    std::array<float, std::size_t{3} * window_length> values{};
     auto value = values.begin();
     for (const auto& row : table)
         value = std::copy(row.begin(), row.begin() + 3, value);

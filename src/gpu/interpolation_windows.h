@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 /// The largest block, in texels, that the windows of the interpolation serve.
 inline constexpr int window_length = 16;
@@ -15,4 +16,4 @@ using WindowTable = std::array<std::array<float, 4>, window_length>;
 WindowTable window_table(int size);
 
 /// The first three columns in a row, as a program takes them.
-std::array<float, 3 * window_length> three_columns(const WindowTable& table);
+std::array<float, std::size_t{3} * window_length> three_columns(const WindowTable& table);

@@ -67,7 +67,7 @@ std::string nearest_folder_above(std::string path) {
     while (path.size() > 1) {
         const std::size_t separator = path.rfind('/');
         path.resize(separator == std::string::npos ? 0 : separator);
-        const std::string real = path.empty() ? "" : real_path(path);
+        std::string real = path.empty() ? "" : real_path(path);
         if (!real.empty()) return real;
     }
     return "/";
@@ -106,14 +106,14 @@ std::string joined_path(const std::string& directory, const std::string& name) {
 }
 
 std::string entered_directory(const std::string& directory, const std::string& name) {
-    const std::string real = real_path(joined_path(directory, name));
+    std::string real = real_path(joined_path(directory, name));
     if (!real.empty() || name != "..") return real;
     return nearest_folder_above(directory);
 }
 
 std::string directory_of(const std::string& file) {
     const std::size_t separator = file.rfind('/');
-    const std::string real =
+    std::string real =
         separator == std::string::npos ? "" : real_path(file.substr(0, separator + 1));
     if (!real.empty()) return real;
     const std::string working = real_path(".");

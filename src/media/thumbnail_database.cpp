@@ -39,9 +39,8 @@ void make_batch() {
     do {
         const auto first = thumbCacheRequests.begin();
         if (first == thumbCacheRequests.end()) break;
-        const std::string path = *first;
-        thumbCacheRequests.erase(first);
-        Thumbnail made = create_thumbnail(path.c_str());
+        const auto request = thumbCacheRequests.extract(first);
+        Thumbnail made = create_thumbnail(request.value().c_str());
         // What was broken off says nothing about the film.
         if (bAbort) {
             ThumbnailDatabase::Delete(made);

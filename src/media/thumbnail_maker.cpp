@@ -20,7 +20,7 @@ constexpr int key_pictures_only = 1;  // mode of read_and_decode
 constexpr int enough_frames = 400;
 constexpr int hopeless_packets = 1000;
 constexpr int more_attempts = 3;
-constexpr std::int64_t attempt_step = 4 * AV_TIME_BASE;
+constexpr std::int64_t attempt_step = std::int64_t{4} * AV_TIME_BASE;
 // One picture of more than 8192 x 8192 takes the decoder too long.
 constexpr std::int64_t most_pixels = std::int64_t{8192} * 8192;
 // The scaler's vector code writes in steps, beyond the end of the last row.
@@ -247,7 +247,7 @@ class ThumbnailMaking {
         }
         sws_scale(scaler.get(), frame_->data, frame_->linesize, 0, frame_->height, picture_->data,
                   picture_->linesize);
-        unfilled_.release();
+        static_cast<void>(unfilled_.release());
         return true;
     }
 

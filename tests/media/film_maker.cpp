@@ -85,7 +85,8 @@ namespace {
 std::mutex log_mutex;
 std::string log_text;
 
-void note(void* /*context*/, int level, const char* format, va_list arguments) {
+[[gnu::format(printf, 3, 0)]] void note(void* /*context*/, int level, const char* format,
+                                        va_list arguments) {
     if (level > AV_LOG_ERROR) return;
     std::array<char, 512> line{};
     std::vsnprintf(line.data(), line.size(), format, arguments);

@@ -93,7 +93,8 @@ TEST_F(SavingErrors, Rates) {
 // Messages of FFmpeg's encoder for H.264, which tells when it starts.
 std::string library_said;
 
-void listen(void* /*context*/, int /*level*/, const char* format, va_list arguments) {
+[[gnu::format(printf, 3, 0)]] void listen(void* /*context*/, int /*level*/, const char* format,
+                                          va_list arguments) {
     char text[1024];
     std::vsnprintf(text, sizeof text, format, arguments);
     library_said += text;

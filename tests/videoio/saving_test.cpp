@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int rate = 25;
-
 // A soft picture that moves, of quiet colours, as cameras see them.
 Bytes soft_picture(int width, int height, int time) {
     Bytes bytes;
