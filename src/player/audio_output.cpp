@@ -19,6 +19,10 @@ constexpr Uint16 device_samples = 1024;
 constexpr int scope_samples = 4096;
 constexpr double sync_coefficient = 0.0005;
 constexpr double sync_samples = 2048.0;
+// Twice what the finest recordings have; the bytes of ten seconds still fit into an integer.
+constexpr int highest_sample_rate = 12000000;
+// With less, closing the device would have to wait for a buffer that lasts for seconds.
+constexpr int lowest_sample_rate = 2000;
 constexpr char unsupported[] = "Unsupported codec!\n";
 constexpr std::int64_t device_patience = 2000000;  // microseconds
 
@@ -57,11 +61,13 @@ bool open_device(VideoState* is, int sample_rate) {
     return true;
 }
 
-// There is none for streams without a rate or with more channels than loudspeakers are known for.
+// There is none for streams without a rate, or one out of this world, or with more channels than
+// loudspeakers are known for.
 bool open_chain(VideoState* is, const AVStream* stream) {
     const AVChannelLayout& layout = stream->codecpar->ch_layout;
     const int channels = layout.nb_channels;
     const int sample_rate = stream->codecpar->sample_rate;
+    if (sample_rate < lowest_sample_rate || sample_rate > highest_sample_rate) return false;
     const std::uint64_t mask = layout.order == AV_CHANNEL_ORDER_NATIVE ? layout.u.mask : 0;
     is->audio_scope[0] = new CircularBuffer<float>(scope_samples);
     if (channels > 1) is->audio_scope[1] = new CircularBuffer<float>(scope_samples);

@@ -14,6 +14,7 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
+#include <memory>
 #include <vector>
 
 namespace {
@@ -47,8 +48,8 @@ void interleave(FuzzInput& input) {
         places.push_back(plane.data());
     }
     view.planes = places.data();
-    Bytes out(static_cast<std::size_t>(capacity));
-    const int written = interleave_samples(view, first, out.data(), capacity);
+    const auto out = std::make_unique<std::uint8_t[]>(static_cast<std::size_t>(capacity));
+    const int written = interleave_samples(view, first, out.get(), capacity);
     require(written >= 0 && written <= capacity, "no more than there is room for");
 }
 
