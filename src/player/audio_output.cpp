@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -90,6 +91,22 @@ bool prepare_decoding(VideoState* is, const AVStream* stream) {
     return decoding.packet && decoding.frame;
 }
 
+// Closes the device at the end of the scope, unless it is to stay open.
+class OpenDevice {
+  public:
+    OpenDevice() = default;
+    ~OpenDevice() {
+        if (!kept_) audio_device().close();
+    }
+    OpenDevice(const OpenDevice&) = delete;
+    OpenDevice& operator=(const OpenDevice&) = delete;
+
+    void keep() { kept_ = true; }
+
+  private:
+    bool kept_ = false;
+};
+
 bool open_decoder(VideoState* is, const AVStream* stream) {
     is->audio_codec = open_audio_decoder(stream);
     return is->audio_codec && prepare_decoding(is, stream);
@@ -130,6 +147,16 @@ int play(VideoState* is, Uint8* stream, int len) {
     return silent + written;
 }
 
+// What the device hears of a film. Returns the bytes written.
+int fill(VideoState* is, Uint8* stream, int len, double duration) {
+    AudioOutput& out = *is->audio;
+    if (check_pause(is)) return 0;
+    if (!out.starting && out.silent_bytes == 0) note_drift(is, duration);
+    const int written = play(is, stream, len);
+    is->sound_over = out.starting && (out.decoding.draining || !out.decoding.delays);
+    return written;
+}
+
 }  // namespace
 
 const AudioDevice& sdl_audio_device() {
@@ -156,8 +183,8 @@ int open_audio(VideoState* is, AVStream* stream, int index) {
         return -1;
     }
     if (!open_device(is, stream->codecpar->sample_rate)) return -1;
+    OpenDevice device;
     if (!open_decoder(is, stream)) {
-        audio_device().close();
         is->audio_codec.reset();
         return -1;
     }
@@ -165,6 +192,7 @@ int open_audio(VideoState* is, AVStream* stream, int index) {
     is->audio_info = audio_stream_info(stream, is->audio_codec.get());
     is->audio_clock_time = wall_clock();
     packet_queue_init(&is->audio_queue);
+    device.keep();
     is->audio_stream_index = index;
     audio_device().start();
     return 0;
@@ -194,10 +222,10 @@ void audio_callback(void* userdata, Uint8* stream, int len) {
     note_audio_clock(is);
     audio_follow_seek(is);
     int written = 0;
-    if (!check_pause(is)) {
-        if (!out.starting && out.silent_bytes == 0) note_drift(is, duration);
-        written = play(is, stream, len);
-        is->sound_over = out.starting && (out.decoding.draining || !out.decoding.delays);
+    try {
+        written = fill(is, stream, len, duration);
+    } catch (const std::bad_alloc&) {
+        out.forget_blocks();  // silence; what comes next may need less
     }
     std::memset(stream + written, 0, static_cast<std::size_t>(len - written));
 }
