@@ -14,12 +14,14 @@
 #include <GL/glx.h>
 #include <SDL.h>
 #include <dlfcn.h>
+#include <link.h>
 #include <pthread.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -57,19 +59,38 @@ struct Fault {
     char caller[64] = "";
     unsigned first = 1;
     unsigned count = 0;
+    std::atomic<std::uintptr_t> begin = 0;
+    std::atomic<std::uintptr_t> end = 0;
     std::atomic<unsigned> calls = 0;
 };
 // Before any constructor runs: there are calls already.
 constinit Fault faults[call_count];
 
-bool is_caller(const char* wanted, const void* address) {
-    if (wanted[0] == '\0') return true;
-    Dl_info info{};
-    if (!dladdr(address, &info) || !info.dli_fname) return false;
-    const char* slash = std::strrchr(info.dli_fname, '/');
-    const char* file = slash ? slash + 1 : info.dli_fname;
-    const std::size_t length = std::strlen(wanted);
-    return std::strncmp(file, wanted, length) == 0 && (file[length] == '\0' || file[length] == '.');
+// Where the wanted caller's file lies in memory.
+int note_range(dl_phdr_info* info, std::size_t /*size*/, void* argument) {
+    auto& fault = *static_cast<Fault*>(argument);
+    const char* path = info->dlpi_name[0] ? info->dlpi_name : program_invocation_name;
+    const char* slash = std::strrchr(path, '/');
+    const char* file = slash ? slash + 1 : path;
+    const std::size_t length = std::strlen(fault.caller);
+    const bool same = std::strncmp(file, fault.caller, length) == 0;
+    if (!same || (file[length] != '\0' && file[length] != '.')) return 0;
+    std::uintptr_t end = 0;
+    for (int i = 0; i < info->dlpi_phnum; ++i) {
+        const auto& part = info->dlpi_phdr[i];
+        if (part.p_type == PT_LOAD) end = info->dlpi_addr + part.p_vaddr + part.p_memsz;
+    }
+    fault.begin = info->dlpi_addr;
+    fault.end = end;
+    return 1;
+}
+
+bool is_caller(Fault& fault, const void* address) {
+    if (fault.caller[0] == '\0') return true;
+    // It may be loaded later.
+    if (fault.end == 0) dl_iterate_phdr(note_range, &fault);
+    const auto place = reinterpret_cast<std::uintptr_t>(address);
+    return place >= fault.begin && place < fault.end;
 }
 
 void tell(Call call, unsigned number) {
@@ -80,7 +101,7 @@ void tell(Call call, unsigned number) {
 
 bool fails(Call call, const void* caller) {
     Fault& fault = faults[call];
-    if (!fault.wanted || !is_caller(fault.caller, caller)) return false;
+    if (!fault.wanted || !is_caller(fault, caller)) return false;
     const unsigned number = ++fault.calls;
     if (number < fault.first || number - fault.first >= fault.count) return false;
     if (number == fault.first) tell(call, number);
