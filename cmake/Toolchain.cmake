@@ -16,7 +16,7 @@ endif()
 
 set(vyx_warnings -Wall -Wextra -Wpedantic -Wshadow -Wcast-align -Wconversion
     -Wformat=2 -Wimplicit-fallthrough -Wnull-dereference
-    -Werror=deprecated-declarations)
+    -Werror=deprecated-declarations -Werror=format-security)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     list(APPEND vyx_warnings -Wduplicated-cond -Wlogical-op)
     list(REMOVE_ITEM vyx_warnings -Wnull-dereference)  # false positives through inlined containers
@@ -28,6 +28,11 @@ endif()
 if(VYX_SANITIZE)
     add_compile_options(-fsanitize=${VYX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${VYX_SANITIZE})
+endif()
+if(VYX_FUZZ)
+    # What the code reaches guides the fuzzers.
+    add_compile_options(-fsanitize=fuzzer-no-link)
+    add_link_options(-fsanitize=fuzzer-no-link)
 endif()
 if(VYX_COVERAGE)
     add_compile_options(--coverage -fprofile-update=atomic)

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <new>
 #include <set>
 #include <utility>
 #include <vector>
@@ -34,20 +35,33 @@ std::mutex life;
 std::atomic<bool> making{false};
 std::atomic<int> waiting{0};
 
+// Returns false when there is nothing more to make.
+bool make_one() {
+    const auto first = thumbCacheRequests.begin();
+    if (first == thumbCacheRequests.end()) return false;
+    const auto request = thumbCacheRequests.extract(first);
+    Thumbnail made = create_thumbnail(request.value().c_str());
+    // What was broken off says nothing about the film.
+    if (bAbort) {
+        ThumbnailDatabase::Delete(made);
+        return false;
+    }
+    try {
+        ThumbnailDatabase::Add(made);
+    } catch (const std::bad_alloc&) {
+        ThumbnailDatabase::Delete(made);
+        throw;
+    }
+    return true;
+}
+
 void make_batch() {
     making = true;
-    do {
-        const auto first = thumbCacheRequests.begin();
-        if (first == thumbCacheRequests.end()) break;
-        const auto request = thumbCacheRequests.extract(first);
-        Thumbnail made = create_thumbnail(request.value().c_str());
-        // What was broken off says nothing about the film.
-        if (bAbort) {
-            ThumbnailDatabase::Delete(made);
-            break;
-        }
-        ThumbnailDatabase::Add(std::move(made));
-    } while (waiting == 0);
+    try {
+        while (make_one() && waiting == 0) {}
+    } catch (const std::bad_alloc&) {
+        // There is none of this film now; the next look-up with a request asks for it again.
+    }
     making = false;
 }
 

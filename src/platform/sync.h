@@ -5,6 +5,8 @@
 #include <SDL_thread.h>
 
 #include <memory>
+#include <new>
+#include <utility>
 
 struct SdlMutexDeleter {
     void operator()(SDL_mutex* mutex) const { SDL_DestroyMutex(mutex); }
@@ -13,16 +15,19 @@ struct SdlCondDeleter {
     void operator()(SDL_cond* cond) const { SDL_DestroyCond(cond); }
 };
 
-/// An SDL mutex and its owner. Null only when SDL could not make one.
+/// An SDL mutex and its owner.
 using MutexPtr = std::unique_ptr<SDL_mutex, SdlMutexDeleter>;
 /// An SDL condition variable and its owner.
 using CondPtr = std::unique_ptr<SDL_cond, SdlCondDeleter>;
 
+/// Never null: memory that runs out throws, as it does everywhere.
 inline MutexPtr make_mutex() {
-    return MutexPtr(SDL_CreateMutex());
+    MutexPtr made(SDL_CreateMutex());
+    return made ? std::move(made) : throw std::bad_alloc();
 }
 inline CondPtr make_cond() {
-    return CondPtr(SDL_CreateCond());
+    CondPtr made(SDL_CreateCond());
+    return made ? std::move(made) : throw std::bad_alloc();
 }
 
 /// Holds an SDL mutex for the life of a scope.

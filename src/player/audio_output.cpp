@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -19,6 +20,10 @@ constexpr Uint16 device_samples = 1024;
 constexpr int scope_samples = 4096;
 constexpr double sync_coefficient = 0.0005;
 constexpr double sync_samples = 2048.0;
+// Twice what the finest recordings have; the bytes of ten seconds still fit into an integer.
+constexpr int highest_sample_rate = 12000000;
+// With less, closing the device would have to wait for a buffer that lasts for seconds.
+constexpr int lowest_sample_rate = 2000;
 constexpr char unsupported[] = "Unsupported codec!\n";
 constexpr std::int64_t device_patience = 2000000;  // microseconds
 
@@ -57,11 +62,13 @@ bool open_device(VideoState* is, int sample_rate) {
     return true;
 }
 
-// There is none for streams without a rate or with more channels than loudspeakers are known for.
+// There is none for streams without a rate, or one out of this world, or with more channels than
+// loudspeakers are known for.
 bool open_chain(VideoState* is, const AVStream* stream) {
     const AVChannelLayout& layout = stream->codecpar->ch_layout;
     const int channels = layout.nb_channels;
     const int sample_rate = stream->codecpar->sample_rate;
+    if (sample_rate < lowest_sample_rate || sample_rate > highest_sample_rate) return false;
     const std::uint64_t mask = layout.order == AV_CHANNEL_ORDER_NATIVE ? layout.u.mask : 0;
     is->audio_scope[0] = new CircularBuffer<float>(scope_samples);
     if (channels > 1) is->audio_scope[1] = new CircularBuffer<float>(scope_samples);
@@ -83,6 +90,22 @@ bool prepare_decoding(VideoState* is, const AVStream* stream) {
     out.sync_threshold = sync_samples / decoding.sample_rate;
     return decoding.packet && decoding.frame;
 }
+
+// Closes the device at the end of the scope, unless it is to stay open.
+class OpenDevice {
+  public:
+    OpenDevice() = default;
+    ~OpenDevice() {
+        if (!kept_) audio_device().close();
+    }
+    OpenDevice(const OpenDevice&) = delete;
+    OpenDevice& operator=(const OpenDevice&) = delete;
+
+    void keep() { kept_ = true; }
+
+  private:
+    bool kept_ = false;
+};
 
 bool open_decoder(VideoState* is, const AVStream* stream) {
     is->audio_codec = open_audio_decoder(stream);
@@ -124,6 +147,16 @@ int play(VideoState* is, Uint8* stream, int len) {
     return silent + written;
 }
 
+// What the device hears of a film. Returns the bytes written.
+int fill(VideoState* is, Uint8* stream, int len, double duration) {
+    AudioOutput& out = *is->audio;
+    if (check_pause(is)) return 0;
+    if (!out.starting && out.silent_bytes == 0) note_drift(is, duration);
+    const int written = play(is, stream, len);
+    is->sound_over = out.starting && (out.decoding.draining || !out.decoding.delays);
+    return written;
+}
+
 }  // namespace
 
 const AudioDevice& sdl_audio_device() {
@@ -150,8 +183,8 @@ int open_audio(VideoState* is, AVStream* stream, int index) {
         return -1;
     }
     if (!open_device(is, stream->codecpar->sample_rate)) return -1;
+    OpenDevice device;
     if (!open_decoder(is, stream)) {
-        audio_device().close();
         is->audio_codec.reset();
         return -1;
     }
@@ -159,6 +192,7 @@ int open_audio(VideoState* is, AVStream* stream, int index) {
     is->audio_info = audio_stream_info(stream, is->audio_codec.get());
     is->audio_clock_time = wall_clock();
     packet_queue_init(&is->audio_queue);
+    device.keep();
     is->audio_stream_index = index;
     audio_device().start();
     return 0;
@@ -188,10 +222,10 @@ void audio_callback(void* userdata, Uint8* stream, int len) {
     note_audio_clock(is);
     audio_follow_seek(is);
     int written = 0;
-    if (!check_pause(is)) {
-        if (!out.starting && out.silent_bytes == 0) note_drift(is, duration);
-        written = play(is, stream, len);
-        is->sound_over = out.starting && (out.decoding.draining || !out.decoding.delays);
+    try {
+        written = fill(is, stream, len, duration);
+    } catch (const std::bad_alloc&) {
+        out.forget_blocks();  // silence; what comes next may need less
     }
     std::memset(stream + written, 0, static_cast<std::size_t>(len - written));
 }

@@ -8,6 +8,9 @@ extern "C" {
 
 namespace {
 
+// What a frame may become: minutes of sound. More would come of a rate that nothing has.
+constexpr int most_frames = 1 << 24;
+
 bool is_float(int format) {
     return format == AV_SAMPLE_FMT_FLT || format == AV_SAMPLE_FMT_FLTP;
 }
@@ -65,7 +68,7 @@ int resample(AudioDecoding& decoding) {
     if (!context) return 0;
     const AVFrame& frame = *decoding.frame;
     const int room = swr_get_out_samples(context, frame.nb_samples);
-    if (room <= 0) return 0;
+    if (room <= 0 || room > most_frames) return 0;
     const auto samples =
         static_cast<std::size_t>(room) * static_cast<std::size_t>(decoding.channels);
     if (decoding.resampled.size() < samples) decoding.resampled.resize(samples);

@@ -9,6 +9,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -220,6 +221,21 @@ class Demuxing {
     int failed_reads_ = 0;
 };
 
+// Returns whether the file could be opened and nothing failed since but its reading.
+bool demux(VideoState* is) {
+    try {
+        Demuxing demuxing(is);
+        const bool opened = demuxing.open();
+        is->preload = false;  // nobody may wait for it any more
+        if (opened) demuxing.run();
+        return opened;
+    } catch (const std::bad_alloc&) {
+        std::fputs("Out of memory!\n", stderr);
+        is->preload = false;
+        return false;
+    }
+}
+
 void report_failure(VideoState* is) {
     while (!is->abort_request && !push_event(event_failed, is))
         SDL_Delay(close_poll_ms);
@@ -247,13 +263,7 @@ int decode_thread(void* param) {
     auto* is = static_cast<VideoState*>(param);
     is->demux_native = pthread_self();
     global_video_state = is;
-    bool ok = false;
-    {
-        Demuxing demuxing(is);
-        ok = demuxing.open();
-        is->preload = false;  // nobody may wait for it any more
-        if (ok) demuxing.run();
-    }
+    const bool ok = demux(is);
     VideoState* current = is;
     global_video_state.compare_exchange_strong(current, nullptr);
     stream_component_close(is, is->audio_stream_index);

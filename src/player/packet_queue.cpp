@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "player/packet_queue.h"
 
+#include <new>
+
 namespace {
 
 std::uint8_t flush_data[] = "FLUSH";
@@ -57,6 +59,7 @@ bool take_packet(PacketQueue* queue, AVPacket* packet) {
 AVPacket* flush_packet() {
     static AVPacket* packet = [] {
         AVPacket* made = av_packet_alloc();
+        if (!made) throw std::bad_alloc();
         made->data = flush_data;
         return made;
     }();

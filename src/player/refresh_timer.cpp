@@ -11,8 +11,8 @@
 #include <chrono>
 #include <map>
 #include <mutex>
-#include <optional>
 #include <thread>
+#include <utility>
 
 std::atomic<bool> refresh_scheduled{false};
 
@@ -28,24 +28,24 @@ constexpr int largest_temporal_factor = 4;
 // another one is added at the wrong moment; its request is gone then.
 class Requests {
   public:
+    using Request = std::map<std::uintptr_t, Clock::time_point>::node_type;
+
     void* add(Clock::time_point due) {
         const std::lock_guard lock(mutex_);
         due_times_[++last_] = due;
         return reinterpret_cast<void*>(last_);
     }
 
-    void put_back(void* request, Clock::time_point due) {
+    void put_back(Request request) {
         const std::lock_guard lock(mutex_);
-        due_times_[reinterpret_cast<std::uintptr_t>(request)] = due;
+        due_times_.insert(std::move(request));
     }
 
-    std::optional<Clock::time_point> take(void* request) {
+    // Empty for one that was taken already. Neither this nor putting back takes memory: nobody
+    // would catch what that throws on a thread of SDL's.
+    Request take(void* request) {
         const std::lock_guard lock(mutex_);
-        const auto found = due_times_.find(reinterpret_cast<std::uintptr_t>(request));
-        if (found == due_times_.end()) return std::nullopt;
-        const Clock::time_point due = found->second;
-        due_times_.erase(found);
-        return due;
+        return due_times_.extract(reinterpret_cast<std::uintptr_t>(request));
     }
 
     // Whether there were any; their timers will find nothing to do.
@@ -120,10 +120,10 @@ void hold_refreshes(bool held) {
 
 Uint32 sdl_refresh_timer_cb(Uint32 /*interval*/, void* param) {
     set_thread_role(ThreadRole::timer);
-    const std::optional<Clock::time_point> due = requests().take(param);
-    if (!due) return 0;
-    std::this_thread::sleep_until(*due);
+    Requests::Request request = requests().take(param);
+    if (request.empty()) return 0;
+    std::this_thread::sleep_until(request.mapped());
     if (post_refresh()) return 0;
-    requests().put_back(param, *due);
+    requests().put_back(std::move(request));
     return retry_ms;
 }

@@ -11,6 +11,7 @@
 
 namespace {
 
+constexpr Uint32 retry_ms = 10;
 constexpr std::int64_t scan_step = 1000000;      // microseconds
 constexpr std::int64_t scan_patience = 1000000;  // microseconds
 
@@ -24,10 +25,13 @@ bool may_step(const VideoState* is) {
     return is->seeks_seen == is->seeks_done && !is->last_seek_failed;
 }
 
-void forget_queued(PacketQueue& queue, int seek) {
+// Without the flush packet nothing that is decoded from now on would be shown. Dropping what waits
+// has given memory back.
+void forget_queued(const VideoState* is, PacketQueue& queue, int seek) {
     packet_queue_flush(&queue);
     flush_packet()->pts = seek;
-    packet_queue_put(&queue, flush_packet());
+    while (packet_queue_put(&queue, flush_packet()) < 0 && !is->abort_request)
+        SDL_Delay(retry_ms);
 }
 
 // Nothing lies before the start, so that no position ever does.
@@ -41,8 +45,8 @@ void restart_queues(VideoState* is, std::int64_t target) {
     is->last_seek_failed = false;
     is->last_seek_time = wall_clock();
     const int seek = ++is->seeks_done;
-    if (is->audio_stream_index >= 0) forget_queued(is->audio_queue, seek);
-    if (is->video_stream_index >= 0) forget_queued(is->video_queue, seek);
+    if (is->audio_stream_index >= 0) forget_queued(is, is->audio_queue, seek);
+    if (is->video_stream_index >= 0) forget_queued(is, is->video_queue, seek);
     // Pictures from before need not stay until the next one would have been due.
     hasten_refresh();
 }

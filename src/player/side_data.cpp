@@ -8,6 +8,7 @@ extern "C" {
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <span>
 
 namespace {
@@ -59,18 +60,31 @@ bool reports_doubled_quantiser(AVCodecID codec) {
            codec != AV_CODEC_ID_MPEG1VIDEO && codec != AV_CODEC_ID_MPEG2VIDEO;
 }
 
-std::uint8_t quantiser(int q, AVCodecID codec) {
+std::uint8_t quantiser(std::int64_t q, AVCodecID codec) {
     if (reports_doubled_quantiser(codec)) q /= 2;
-    return static_cast<std::uint8_t>(std::clamp(q, 0, largest_quantiser));
+    return static_cast<std::uint8_t>(std::clamp<std::int64_t>(q, 0, largest_quantiser));
+}
+
+// Whether the blocks that a record tells of lie in its memory.
+bool is_whole(const AVFrameSideData& data) {
+    if (data.size < sizeof(AVVideoEncParams)) return false;
+    const auto* parameters = reinterpret_cast<const AVVideoEncParams*>(data.data);
+    if (parameters->nb_blocks == 0) return true;
+    const std::size_t offset = parameters->blocks_offset;
+    const std::size_t size = parameters->block_size;
+    return size >= sizeof(AVVideoBlockParams) && size % alignof(AVVideoBlockParams) == 0 &&
+           offset % alignof(AVVideoBlockParams) == 0 && offset <= data.size &&
+           parameters->nb_blocks <= (data.size - offset) / size;
 }
 
 // The parameters of a picture, where they are on a scale that means something to the passes.
 AVVideoEncParams* parameters_of(const AVFrame* frame) {
     const AVFrameSideData* data = av_frame_get_side_data(frame, AV_FRAME_DATA_VIDEO_ENC_PARAMS);
-    if (!data) return nullptr;
+    if (!data || !is_whole(*data)) return nullptr;
     auto* parameters = reinterpret_cast<AVVideoEncParams*>(data->data);
-    const bool known = parameters->type == AV_VIDEO_ENC_PARAMS_MPEG2 ||
-                       parameters->type == AV_VIDEO_ENC_PARAMS_H264;
+    int type = 0;  // of another version of the library it may be none that is known here
+    std::memcpy(&type, &parameters->type, sizeof type);
+    const bool known = type == AV_VIDEO_ENC_PARAMS_MPEG2 || type == AV_VIDEO_ENC_PARAMS_H264;
     return known ? parameters : nullptr;
 }
 
@@ -130,7 +144,7 @@ void read_quantization_table(VideoPicture* slot, const AVFrame* frame, AVCodecID
         fill_cells(slot->quantization_table,
                    covered_cells(block->src_x, block->w, slot->grid_width),
                    covered_cells(block->src_y, block->h, slot->grid_height),
-                   quantiser(parameters->qp + block->delta_qp, codec));
+                   quantiser(std::int64_t{parameters->qp} + block->delta_qp, codec));
     }
 }
 

@@ -4,7 +4,12 @@
 #include "player/picture_queue.h"
 #include "player/video_decoder.h"
 
+#include <cstdio>
+#include <new>
+
 namespace {
+
+constexpr Uint32 retry_ms = 10;
 
 constexpr Uint32 pause_poll_ms = 10;
 // A decoder that reports more errors in a row, without taking a packet, never comes to an end.
@@ -140,12 +145,23 @@ class VideoDecoding {
     int seek_ = 0;  // the last seek whose flush packet came through
 };
 
+// The film cannot go on: [main] closes it and says so.
+void report_no_memory(VideoState* is) {
+    std::fputs("Out of memory!\n", stderr);
+    while (!packet_queue_aborted(&is->video_queue) && !push_event(event_failed, is))
+        SDL_Delay(retry_ms);
+}
+
 }  // namespace
 
 int video_thread(void* param) {
     set_thread_role(ThreadRole::video);
     auto* is = static_cast<VideoState*>(param);
-    VideoDecoding(is).run();
+    try {
+        VideoDecoding(is).run();
+    } catch (const std::bad_alloc&) {
+        report_no_memory(is);
+    }
     is->decoder_finished = true;
     return 0;
 }

@@ -37,6 +37,11 @@ def wait_for(condition, seconds, what):
         time.sleep(0.02)
 
 
+def preloaded(library):
+    """The environment that loads a library before the player, besides those that are loaded anyway."""
+    return {"LD_PRELOAD": " ".join(filter(None, (os.environ.get("LD_PRELOAD"), library)))}
+
+
 class Display:
     """An X server of our own."""
 
@@ -89,14 +94,14 @@ class Picture:
 class Player:
     """The player as a process."""
 
-    def __init__(self, display, *arguments, env=None, user=None):
+    def __init__(self, display, *arguments, env=None, user=None, cwd=None):
         environment = dict(os.environ, DISPLAY=display.name, SDL_AUDIODRIVER="dummy")
         environment.update(env or {})
         environment.pop("WAYLAND_DISPLAY", None)
         self.display = display
         self.log = tempfile.TemporaryFile(mode="w+")
         self.process = subprocess.Popen([VYX, *arguments], env=environment, stdout=self.log,
-                                        stderr=subprocess.STDOUT, user=user)
+                                        stderr=subprocess.STDOUT, user=user, cwd=cwd)
 
     def output(self):
         self.log.flush()
@@ -264,8 +269,8 @@ class PlayerTestCase(unittest.TestCase):
     def tearDownClass(cls):
         cls.display.close()
 
-    def start(self, *arguments, env=None, user=None):
-        player = Player(self.display, *arguments, env=env, user=user)
+    def start(self, *arguments, env=None, user=None, cwd=None):
+        player = Player(self.display, *arguments, env=env, user=user, cwd=cwd)
         self.addCleanup(player.close)
         return player
 

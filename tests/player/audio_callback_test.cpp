@@ -336,7 +336,8 @@ constexpr AudioDevice counting = {[](SDL_AudioSpec*) {
                                   [] {}, [] { ++Device::closes; }};
 
 // Opens a stream of a codec on the counting device. Returns what open_audio does.
-int open_counted(AVCodecID codec, int channels, bool device_works, std::string* message) {
+int open_counted(AVCodecID codec, int channels, bool device_works, std::string* message,
+                 int sample_rate = rate) {
     Device::opens = Device::closes = 0;
     Device::works = device_works;
     VideoState state;
@@ -344,7 +345,7 @@ int open_counted(AVCodecID codec, int channels, bool device_works, std::string* 
     state.format_context.reset(avformat_alloc_context());
     AVStream* stream = avformat_new_stream(state.format_context.get(), nullptr);
     stream->codecpar->codec_id = codec;
-    stream->codecpar->sample_rate = rate;
+    stream->codecpar->sample_rate = sample_rate;
     stream->codecpar->ch_layout.nb_channels = channels;
     set_audio_device(&counting);
     ::testing::internal::CaptureStderr();
@@ -369,6 +370,19 @@ TEST(OpeningSound, TellsWhyThereIsNoDevice) {
     EXPECT_EQ(message.rfind("SDL_OpenAudio: ", 0), 0U) << message;
     EXPECT_EQ(message.back(), '\n');
     EXPECT_EQ(Device::closes, 0);
+}
+
+TEST(OpeningSound, RefusesRatesThatNothingHas) {
+    for (const int wrong : {0, -1, 1, 1999, 12000001, INT32_MAX}) {
+        std::string message;
+        EXPECT_EQ(open_counted(AV_CODEC_ID_PCM_S16LE, 2, true, &message, wrong), -1) << wrong;
+        EXPECT_EQ(message, "Unsupported codec!\n") << wrong;
+        EXPECT_EQ(Device::opens, 0);
+    }
+    for (const int right : {2000, 384000, 12000000}) {
+        std::string message;
+        EXPECT_EQ(open_counted(AV_CODEC_ID_PCM_S16LE, 2, true, &message, right), 0) << right;
+    }
 }
 
 TEST(OpeningSound, RefusesChannelsThatNobodyKnows) {

@@ -252,6 +252,45 @@ TEST(Quantisers, OfThePictureBeforeStandInWhereNoneAreTold) {
     EXPECT_EQ(next(slots[0], make_frame(64, 32)), 1) << "another size";
 }
 
+// The library's record with one of its numbers changed.
+AVVideoEncParams* parameters_of(const FramePtr& frame) {
+    AVFrameSideData* data = av_frame_get_side_data(frame.get(), AV_FRAME_DATA_VIDEO_ENC_PARAMS);
+    return reinterpret_cast<AVVideoEncParams*>(data->data);
+}
+
+TEST(Quantisers, BlocksBeyondTheirMemoryCountAsNoTable) {
+    const auto first_quantiser = [](const FramePtr& frame) -> int {
+        VideoPicture slot;
+        return read_q(slot, frame).quantization_table[0][0];
+    };
+    const std::vector<Block> blocks = {{0, 0, 16, 16, 5}};
+    const FramePtr whole = frame_with_quantisers(16, 16, 20, blocks);
+    EXPECT_EQ(first_quantiser(whole), 25);
+    const FramePtr many = frame_with_quantisers(16, 16, 20, blocks);
+    parameters_of(many)->nb_blocks = 2;
+    EXPECT_EQ(first_quantiser(many), 1);
+    const FramePtr far = frame_with_quantisers(16, 16, 20, blocks);
+    parameters_of(far)->blocks_offset += 4;
+    EXPECT_EQ(first_quantiser(far), 1);
+    const FramePtr large = frame_with_quantisers(16, 16, 20, blocks);
+    parameters_of(large)->block_size = SIZE_MAX / 2;
+    EXPECT_EQ(first_quantiser(large), 1);
+    const FramePtr small = frame_with_quantisers(16, 16, 20, blocks);
+    parameters_of(small)->block_size = 4;
+    EXPECT_EQ(first_quantiser(small), 1);
+    const FramePtr cut = make_frame(16, 16);
+    av_frame_new_side_data(cut.get(), AV_FRAME_DATA_VIDEO_ENC_PARAMS, 8);
+    EXPECT_EQ(first_quantiser(cut), 1);
+}
+
+TEST(Quantisers, SumsBeyondIntegersAreClamped) {
+    VideoPicture slot;
+    read_q(slot, frame_with_quantisers(32, 16, INT32_MAX, {{0, 0, 16, 16, INT32_MAX}}));
+    EXPECT_EQ(slot.quantization_table[0][0], 127);
+    read_q(slot, frame_with_quantisers(32, 16, INT32_MIN, {{0, 0, 16, 16, INT32_MIN}}));
+    EXPECT_EQ(slot.quantization_table[0][0], 0);
+}
+
 TEST(Quantisers, OtherScalesCountAsNoTable) {
     VideoPicture slot;
     read_q(slot, frame_with_quantisers(16, 16, 200, {}, AV_VIDEO_ENC_PARAMS_VP9), AV_CODEC_ID_VP9);
