@@ -164,6 +164,7 @@ void stream_close(VideoState* is) {
     end_demux_thread(is);
     free_pictures(is);
     is->scaler.reset();
+    is->quantisers = {};
     free_sound(is);
     is->picture_queue_cond.reset();
     is->picture_queue_mutex.reset();
