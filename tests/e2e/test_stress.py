@@ -15,9 +15,9 @@ from support import PATIENCE, Display, PlayerTestCase, clip, wait_for
 
 COMMANDS = int(os.environ.get("VYX_STRESS_COMMANDS", "400"))
 SEED = int(os.environ.get("VYX_STRESS_SEED", "1"))
-FILES = int(os.environ.get("VYX_STRESS_FILES", "150"))
+FILES = int(os.environ.get("VYX_STRESS_FILES", "80"))
 WARM_UP = 50
-# As many as divide WARM_UP, so that it is always the same film that is measured.
+MEASURED = "h264.mp4"  # always the same one
 MANY = ("h264.mp4", "mpeg4.avi", "mpeg2.mpg", "hevc.mkv", "vp9.webm", "odd_853x481.mkv", "tones_75s.mkv",
         "sound_gap.mkv", "ten_bit.mkv", "rgb.mkv")
 
@@ -47,14 +47,19 @@ class Stress(PlayerTestCase):
     # Many films
 
     def measure(self, player):
-        """What a paused player holds: RSS in KiB, threads, open files, and GL's objects."""
+        """What a player holds while it stands still: KiB of memory in use and mapped, threads, open files, GL's
+        objects."""
+        time.sleep(1)  # not for luck: decoders and queues fill up
+        player.key("space")
+        self.picture_at_rest(player)
         player.watch.ask()
         wait_for(player.watch.answered, 10, "a count of GL's objects")
         process = f"/proc/{player.process.pid}"
         with open(process + "/status", encoding="ascii") as status:
-            memory = int(re.search(r"VmRSS:\s*(\d+)", status.read()).group(1))
-        return memory, {"threads": len(os.listdir(process + "/task")), "files": len(os.listdir(process + "/fd")),
-                        **player.watch.objects()}
+            mapped = int(re.search(r"RssAnon:\s*(\d+)", status.read()).group(1))
+        player.key("space")
+        return {"heap": player.watch.heap, "mapped": mapped, "threads": len(os.listdir(process + "/task")),
+                "files": len(os.listdir(process + "/fd")), **player.watch.objects()}
 
     def open_next(self, player, hand):
         """The next film of the folder, until it shows pictures."""
@@ -68,19 +73,31 @@ class Stress(PlayerTestCase):
         folder = tempfile.TemporaryDirectory(prefix="vyx-many")
         self.addCleanup(folder.cleanup)
         link_films(folder.name, map(clip, MANY))
-        names = [name for name in os.listdir(folder.name)]
-        player = self.start(os.path.join(folder.name, names[0]))
+        player = self.start(os.path.join(folder.name, MEASURED))
         player.window()
         hand = Hand(player)
         hand.move(BUTTONS["next"])
         player.look_until(transport_shown, "the transport bar")
-        found = {}
-        for opened in range(1, FILES + 1):
+        warm = end = None
+        opened = 0
+        while opened < FILES or not end:
             self.open_next(player, hand)
-            if opened % WARM_UP == 0:
-                found[opened] = self.measure(player)
-                print(opened, found[opened])
+            opened += 1
+            if opened < WARM_UP or MEASURED not in player.title():
+                continue
+            if not warm:
+                warm = self.measure(player)
+            elif opened >= FILES:
+                end = self.measure(player)
+        print(f"{opened} films: {warm}, at the end {end}")
+        if PATIENCE == 1:  # what sanitizers keep for themselves says nothing
+            # Measured over 450 films: -0.9 MB and +0.2 MB.
+            self.assertLess(end["heap"] - warm["heap"], 2048)
+            self.assertLess(end["mapped"] - warm["mapped"], 2048)
+        for thing in warm.keys() - {"heap", "mapped"}:
+            self.assertEqual(end[thing], warm[thing], thing)
         self.assertEqual(player.quit(), 0)
+
 
 if __name__ == "__main__":
     unittest.main()
