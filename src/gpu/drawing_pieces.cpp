@@ -10,6 +10,15 @@ bool draws_on_processor = false;
 namespace {
 
 bool (*drawing_unwanted)() = nullptr;
+int texels_asked_for = 0;  // and not waited for yet
+
+// Waiting costs time itself: passes over small textures are waited for together.
+void wait_for_texels(int more) {
+    texels_asked_for += more;
+    if (texels_asked_for < piece_texels) return;
+    glFinish();
+    texels_asked_for = 0;
+}
 
 }  // namespace
 
@@ -27,12 +36,19 @@ void draw_in_pieces(int width, int height, void (*draw)(const void*), const void
         return;
     }
     const int rows = std::max(1, piece_texels / width);
+    if (height <= rows) {
+        if (drawing_unwanted()) return;
+        draw(argument);
+        wait_for_texels(width * height);
+        return;
+    }
     glPushAttrib(GL_SCISSOR_BIT);
     glEnable(GL_SCISSOR_TEST);
     for (int y = 0; y < height && !drawing_unwanted(); y += rows) {
-        glScissor(0, y, width, std::min(rows, height - y));
+        const int piece = std::min(rows, height - y);
+        glScissor(0, y, width, piece);
         draw(argument);
-        glFinish();
+        wait_for_texels(width * piece);
     }
     glPopAttrib();
 }

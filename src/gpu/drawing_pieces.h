@@ -10,9 +10,9 @@ extern bool draws_on_processor;
 /// two busy cores: up to 50 ms each, and no more processor time than passes drawn whole.
 inline constexpr int piece_texels = 1 << 18;
 
-/// Has `unwanted` asked while passes are drawn: on such a driver they are drawn in pieces then,
-/// each waited for, and the pieces after `unwanted` said yes are left out. The texels of the others
-/// are as ever. Null, as at the beginning: passes are drawn whole. [main]
+/// Has `unwanted` asked while passes are drawn: on such a driver they are drawn in pieces then, of
+/// which no more than two are under way, and the pieces after `unwanted` said yes are left out. The
+/// texels of the others are as ever. Null, as at the beginning: passes are drawn whole. [main]
 void set_drawing_watch(bool (*unwanted)());
 
 /// Whether pieces are being left out: what leads to them, large textures for instance, can be left
