@@ -103,10 +103,12 @@ class RandomUser:
             return ["windowsize", self.window, *dice.choice(WINDOWS)]
         return ["sleep", dice.choice((0.01, 0.1, 0.4))]
 
-    def act(self, commands):
-        """That many commands, some at a time; after each batch the player has to show pictures."""
+    def act(self, commands, seconds):
+        """That many commands, or as many as fit into the time, some at a time; after each batch the player has to
+        show pictures."""
         self.window = self.player.window()
-        while commands > 0:
+        deadline = time.monotonic() + seconds
+        while commands > 0 and time.monotonic() < deadline:
             batch = [self.command() for _ in range(min(BATCH, commands))]
             commands -= len(batch)
             self.given += len(batch)

@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
 """Thousands of commands in any order, and hundreds of films in one run.
 
-The environment says how many: VYX_STRESS_COMMANDS, VYX_STRESS_SEED, VYX_STRESS_FILES; tools/stress does so."""
+The environment says how many: VYX_STRESS_COMMANDS (or as many as VYX_STRESS_SECONDS allow), VYX_STRESS_SEED,
+VYX_STRESS_FILES; tools/stress does so."""
 
 import os
 import re
@@ -15,6 +16,7 @@ from support import PATIENCE, Display, PlayerTestCase, clip, wait_for
 
 COMMANDS = int(os.environ.get("VYX_STRESS_COMMANDS", "400"))
 SEED = int(os.environ.get("VYX_STRESS_SEED", "1"))
+SECONDS = float(os.environ.get("VYX_STRESS_SECONDS", "100000"))
 FILES = int(os.environ.get("VYX_STRESS_FILES", "80"))
 WARM_UP = 50
 MEASURED = "h264.mp4"  # always the same one
@@ -33,7 +35,7 @@ class Stress(PlayerTestCase):
         player = self.start(os.path.join(folders.path, "h264.mp4"))
         user = RandomUser(player, SEED)
         begun = time.monotonic()
-        user.act(COMMANDS)
+        user.act(COMMANDS, SECONDS)
         print(f"{user.given} commands with seed {SEED} in {time.monotonic() - begun:.0f} s, "
               f"{player.watch.captions - 1} films, {player.watch.swaps} pictures")
         user.calm_down()
