@@ -201,7 +201,10 @@ void stream_pause(VideoState* is) {
     } else if (!is->fast_forward && !is->rewind) {
         // The clock stood still: it goes on from where it stopped, and so do the due times.
         is->video_current_pts_time = wall_clock();
-        is->clocks.frame_timer += now - is->clocks.pause_start_time;
+        // Until there is video the due times belong to the thread that opens it.
+        if (is->video_stream_index >= 0) {
+            is->clocks.frame_timer += now - is->clocks.pause_start_time;
+        }
     }
     is->paused = !is->paused;
     is->fast_forward = false;
