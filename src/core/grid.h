@@ -19,7 +19,7 @@ class Grid {
     /// Gives the memory back.
     void clear() {
         rows_ = columns_ = 0;
-        cells_ = {};
+        std::vector<T>().swap(cells_);  // assigning nothing would keep the memory
     }
 
     /// Sets every cell.

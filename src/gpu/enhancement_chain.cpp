@@ -3,6 +3,7 @@
 
 #include "core/settings.h"
 #include "gpu/display_effects.h"
+#include "gpu/drawing_pieces.h"
 #include "gpu/spatial_denoising.h"
 #include "gpu/spatial_sr.h"
 #include "gpu/temporal_upscaling.h"
@@ -37,7 +38,7 @@ void spatial_pass(const VideoPicture* cur, const VideoPicture* ref) {
 // Brings one picture through the spatial filter, unless that is done already.
 void enhance_picture(const DisplayView& view, VideoPicture& pic, const VideoPicture* reference,
                      const EnhancementFactors& factors) {
-    if (pic.is_enhanced) return;
+    if (pic.is_enhanced || drawing_is_unwanted()) return;
     if (reference && !same_size(reference->enhanced, pic.enhanced)) reference = nullptr;
     spatial_pass(&pic, reference);
     postprocessing_filter(view, pic, factors);
@@ -148,6 +149,7 @@ void prepare_picture(const DisplayView& view, VideoPicture& cur, VideoPicture& p
         enhance(view, cur, prev, factors);
     }
 
+    if (drawing_is_unwanted()) return;
     int method = interpolation_method(view, cur, prev, factors.temporal);
     if (view.step) {
         method = method_off;

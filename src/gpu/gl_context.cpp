@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "gpu/gl_context.h"
 
+#include "gpu/drawing_pieces.h"
 #include "gpu/gl_bindings.h"
 
 #include <GL/glew.h>
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 namespace {
 
@@ -19,6 +21,11 @@ bool require(bool present, const char* name, const char* why) {
     std::fputs(why, stderr);
     std::fputs("Check if OpenGL is configured properly.\n", stderr);
     return false;
+}
+
+// Mesa's drivers for the processor.
+bool is_software(std::string_view renderer) {
+    return renderer.starts_with("llvmpipe") || renderer.starts_with("softpipe");
 }
 
 const char* gl_text(GLenum what) {
@@ -55,6 +62,7 @@ void init_gl_state() {
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &texture_size_limit);
     max_texture_size = std::min(texture_size_limit, largest_texture_used);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+    draws_on_processor = is_software(gl_text(GL_RENDERER));
 }
 
 void blend_over() {

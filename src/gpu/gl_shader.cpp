@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "gpu/gl_shader.h"
 
+#include "gpu/drawing_pieces.h"
 #include "gpu/gl_bindings.h"
 
 #include <GL/glu.h>
@@ -168,7 +169,11 @@ void gl_shader_resource::run(SDL_Rect r) {
     if (count == 1) glDrawBuffer(draw_buffers[0]);
     if (count > 1) glDrawBuffers(count, draw_buffers);
     check_glerror("gl_shader_resource::run(1)");
-    draw_quad(r, target);
+    if (target) {
+        draw_in_pieces(target->width(), target->height(), [&] { draw_quad(r, target); });
+    } else {
+        draw_quad(r, target);
+    }
     unbind_all(draw_buffers, count);
     if (target) leave_target();
 }

@@ -2,6 +2,7 @@
 #include "gpu/spatial_denoising.h"
 
 #include "gpu/block_textures.h"
+#include "gpu/drawing_pieces.h"
 #include "gpu/pass.h"
 #include "gpu/spatial_denoising_passes.h"
 #include "gpu/spatial_sr_passes.h"
@@ -73,6 +74,7 @@ void spatial_deblocking_and_denoising(const VideoPicture* cur, const VideoPictur
         sharpened.emplace(cur->height * f, cur->width * f, 0);
         sharpening_filter(cur->enhanced, *sharpened, sharpening_level);
     }
+    if (drawing_is_unwanted()) return;
     average(cur, sharpened ? *sharpened : static_cast<gl_texture_resource*>(cur->enhanced), f,
             denoising_level);
 }

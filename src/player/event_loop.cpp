@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "player/event_loop.h"
 
+#include "gpu/drawing_pieces.h"
 #include "gui/forms.h"
 #include "gui/gui_environment.h"
 #include "platform/window.h"
@@ -154,10 +155,13 @@ bool handle_event(const SDL_Event& event) {
 }
 
 int run_event_loop() {
+    watch_for_quit();
+    set_drawing_watch(quit_came_in);
     SDL_Event event;
     do {
         wait_event(&event);
-    } while (handle_event(event));
+    } while (handle_event(event) && !quit_came_in());
+    set_drawing_watch(nullptr);
     do_exit();
     return 0;
 }

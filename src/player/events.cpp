@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "player/events.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -41,6 +42,14 @@ WakeUp& wake_up() {
     return one;
 }
 
+std::atomic<bool> quit_seen{false};
+
+int note_quit(const SDL_Event* event) {
+    const bool escape = event->type == SDL_KEYDOWN && event->key.keysym.sym == SDLK_ESCAPE;
+    if (event->type == SDL_QUIT || escape) quit_seen = true;
+    return 1;  // the event goes its way all the same
+}
+
 }  // namespace
 
 bool push_event(PlayerEvent event, VideoState* state) {
@@ -56,4 +65,14 @@ bool push_event(PlayerEvent event, VideoState* state) {
 void wait_event(SDL_Event* event) {
     while (!SDL_PollEvent(event))
         wake_up().wait();
+}
+
+void watch_for_quit() {
+    quit_seen = false;
+    SDL_SetEventFilter(note_quit);
+}
+
+bool quit_came_in() {
+    SDL_PumpEvents();
+    return quit_seen;
 }

@@ -19,3 +19,10 @@ bool push_event(PlayerEvent event, VideoState* state);
 
 /// Waits for the next event. [main]
 void wait_event(SDL_Event* event);
+
+/// From now on notes the wish to quit, a closed window or Escape, when it comes in: it may have to
+/// wait in SDL's queue, or find that full. [main]
+void watch_for_quit();
+
+/// Looks whether the wish to quit came in since `watch_for_quit`. [main]
+bool quit_came_in();

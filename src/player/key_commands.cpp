@@ -109,9 +109,10 @@ void scan(VideoState* is, void (*start)(VideoState*)) {
 }  // namespace
 
 std::string stream_description(const VideoState* is) {
-    const StreamInfo& sound = is->audio_info;
-    const auto bits = static_cast<int>(sound.bit_rate);
+    // What is told of the sound is there once its index is.
     const bool has_audio = is->audio_stream_index >= 0;
+    const StreamInfo& sound = is->audio_info;
+    const int bits = has_audio ? static_cast<int>(sound.bit_rate) : 0;
     if (is->video_stream_index < 0) {
         if (!has_audio) return {};
         return formatted("Codec: %s, bitrate: %d bps", sound.codec_name.c_str(), bits);

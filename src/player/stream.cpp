@@ -165,6 +165,7 @@ void stream_close(VideoState* is) {
     end_demux_thread(is);
     free_pictures(is);
     is->scaler.reset();
+    is->quantisers = {};
     free_sound(is);
     is->picture_queue_cond.reset();
     is->picture_queue_mutex.reset();
@@ -201,7 +202,10 @@ void stream_pause(VideoState* is) {
     } else if (!is->fast_forward && !is->rewind) {
         // The clock stood still: it goes on from where it stopped, and so do the due times.
         is->video_current_pts_time = wall_clock();
-        is->clocks.frame_timer += now - is->clocks.pause_start_time;
+        // Until there is video the due times belong to the thread that opens it.
+        if (is->video_stream_index >= 0) {
+            is->clocks.frame_timer += now - is->clocks.pause_start_time;
+        }
     }
     is->paused = !is->paused;
     is->fast_forward = false;

@@ -10,6 +10,8 @@ import tempfile
 import time
 import unittest
 
+from watch import Watch
+
 VYX = os.environ["VYX_BIN"]
 MEDIA = os.environ["VYX_TEST_MEDIA"]
 # Sanitizers make everything slower.
@@ -45,7 +47,11 @@ def preloaded(library):
 class Display:
     """An X server of our own."""
 
-    def __init__(self, *options):
+    # A manager's settings with no decorations, menus or keys of its own, for clicks that go anywhere.
+    BARE = ('<openbox_config xmlns="http://openbox.org/3.4/rc"><applications><application class="*">'
+            "<decor>no</decor></application></applications></openbox_config>")
+
+    def __init__(self, *options, manager=None):
         read_end, write_end = os.pipe()
         self.server = subprocess.Popen(
             ["Xvfb", "-displayfd", str(write_end), "-nolisten", "tcp", "-noreset",
@@ -57,7 +63,13 @@ class Display:
         # Full screen is something that a window manager does.
         self.env = dict(os.environ, DISPLAY=self.name)
         self.env.pop("LD_PRELOAD", None)
-        self.manager = subprocess.Popen(["openbox"], env=self.env, stderr=subprocess.DEVNULL)
+        settings = []
+        if manager:
+            self.settings = tempfile.NamedTemporaryFile("w", suffix=".xml")
+            self.settings.write(manager)
+            self.settings.flush()
+            settings = ["--config-file", self.settings.name]
+        self.manager = subprocess.Popen(["openbox", *settings], env=self.env, stderr=subprocess.DEVNULL)
         wait_for(lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), 15,
                  "the window manager")
 
@@ -98,6 +110,8 @@ class Player:
         environment = dict(os.environ, DISPLAY=display.name, SDL_AUDIODRIVER="dummy")
         environment.update(env or {})
         environment.pop("WAYLAND_DISPLAY", None)
+        self.watch = Watch()
+        self.watch.add_to(environment)
         self.display = display
         self.log = tempfile.TemporaryFile(mode="w+")
         self.process = subprocess.Popen([VYX, *arguments], env=environment, stdout=self.log,
@@ -187,6 +201,7 @@ class Player:
             status = self.process.wait(seconds * PATIENCE)
             if status != 0 and "Sanitizer" in self.output():
                 print(self.output(), file=sys.stderr)
+            assert self.watch.errors == 0, "GL errors: " + self.output()
             return status
         except subprocess.TimeoutExpired:
             self.process.kill()
@@ -197,6 +212,7 @@ class Player:
             self.process.send_signal(signal.SIGKILL)
             self.process.wait()
         self.log.close()
+        self.watch.close()
 
 
 def fitted(picture_width, picture_height, width, height):

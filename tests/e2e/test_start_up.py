@@ -68,6 +68,13 @@ class StartUp(PlayerTestCase):
         player.look_until(empty, "a window without a film")
         self.assertEqual(player.quit(), 0)
 
+    def test_gl_errors_are_noticed(self):
+        player = self.start(clip("h264.mp4"), env={"GL_WATCH_MISTAKE": "1"})
+        wait_for(lambda: player.watch.swaps > 5, 10, "pictures")
+        self.assertEqual(player.watch.errors, 1)
+        with self.assertRaisesRegex(AssertionError, "GL errors"):
+            player.quit()
+
     def test_preloading_can_be_ended(self):
         with tempfile.TemporaryDirectory() as folder:
             fifo = os.path.join(folder, "silent")

@@ -9,6 +9,8 @@
 #include "player/refresh_timer.h"
 #include "support/player_fixture.h"
 
+#include <csignal>
+
 namespace {
 
 TEST(DoubleClick, FollowsWithinAQuarterOfASecond) {
@@ -71,6 +73,20 @@ TEST_F(EventLoopTest, EndsWithEscapeQuitAndItsOwnEvent) {
     EXPECT_FALSE(handle_event(quit));
     EXPECT_FALSE(handle_event(user(26, nullptr)));
     EXPECT_TRUE(handle_event(key(SDLK_x)));
+}
+
+TEST_F(EventLoopTest, WishToQuitIsNoticedWhenTheQueueIsFull) {
+    watch_for_quit();
+    EXPECT_FALSE(quit_came_in());
+    while (push_event(event_failed, nullptr)) {}
+    std::raise(SIGTERM);
+    EXPECT_TRUE(quit_came_in());
+    EXPECT_TRUE(quit_came_in()) << "it stays";
+    SDL_Event event;
+    while (SDL_PollEvent(&event)) {}
+    watch_for_quit();
+    EXPECT_FALSE(quit_came_in());
+    SDL_SetEventFilter(nullptr);
 }
 
 TEST_F(EventLoopTest, ResizeFollowsTheWindow) {
