@@ -92,6 +92,12 @@ class Threads(FaultsTestCase):
                 player.look_until(lambda picture: not grey(picture), "a film or its sound")
                 self.ends(player)
 
+    def test_no_threads_for_decoding(self):
+        player = self.film(f"pthread_create@{FFMPEG_MEMORY}:1")
+        self.failed(player, "pthread_create")
+        self.goes_on(player)
+        self.ends(player)
+
     def test_no_thread_at_all_for_pictures_and_sound(self):
         player = self.film(f"pthread_create@{SDL2}:3")
         self.says(player, "SDL_OpenAudio: ")
@@ -159,9 +165,10 @@ class Files(FaultsTestCase):
         self.ends(player)
 
     def test_thumbnails_cannot_be_read(self):
-        player = self.film("read@vyx:1", None)
-        player.key("F1")
-        wait_for(player.window, 5, "the window")
+        player = self.film("read@vyx:1")
+        self.number(player)
+        player.key("F1")  # the clip's folder
+        self.failed(player, "read")
         self.ends(player)
 
     def test_subtitles_cannot_be_read(self):

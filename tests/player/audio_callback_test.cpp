@@ -344,9 +344,10 @@ int open_counted(AVCodecID codec, int channels, bool device_works, std::string* 
     state.audio_decoder_mutex = make_mutex();
     state.format_context.reset(avformat_alloc_context());
     AVStream* stream = avformat_new_stream(state.format_context.get(), nullptr);
+    stream->codecpar->codec_type = AVMEDIA_TYPE_AUDIO;
     stream->codecpar->codec_id = codec;
     stream->codecpar->sample_rate = sample_rate;
-    stream->codecpar->ch_layout.nb_channels = channels;
+    av_channel_layout_default(&stream->codecpar->ch_layout, channels);
     set_audio_device(&counting);
     ::testing::internal::CaptureStderr();
     const int result = open_audio(&state, stream, 0);
