@@ -17,7 +17,7 @@ namespace {
 void upload_plane(const gl_texture_resource* tex, GLenum format, std::uintptr_t offset) {
     glBindTexture(tex->target(), tex->name());
     // OpenGL wants the offset as a pointer.
-    const auto* place = reinterpret_cast<const void*>(offset);  // NOLINT(performance-no-int-to-ptr)
+    const auto* place = reinterpret_cast<const void*>(offset);
     glTexSubImage2D(tex->target(), 0, 0, 0, tex->width(), tex->height(), format, GL_UNSIGNED_BYTE,
                     place);
 }

@@ -19,7 +19,6 @@ constexpr Uint16 window_height = 600;
 SDL_Rect fullscreen_size() {
     SDL_Rect** modes = SDL_ListModes(nullptr, SDL_FULLSCREEN | SDL_HWSURFACE);
     // All ones means that any size will do.
-    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     const bool any = modes == reinterpret_cast<SDL_Rect**>(-1);
     if (!modes || any) {
         if (!modes) std::fputs("No fullscreen display modes available!\n", stderr);

@@ -55,7 +55,8 @@ void shift(VideoState* is, double ahead) {
 
 void note_audio_clock(VideoState* is) {
     const AudioOutput& out = *is->audio;
-    is->audio_clock = out.decode_clock + seconds(out, 2 * out.hardware_bytes - out.silent_bytes);
+    is->audio_clock =
+        out.decode_clock + seconds(out, std::int64_t{2} * out.hardware_bytes - out.silent_bytes);
     is->audio_clock_time = wall_clock();
 }
 

@@ -135,7 +135,8 @@ AudioCorrection keep_together(VideoState* is, int bytes) {
     if (is_normal_speed(is)) return follow_drift(is, bytes, bytes, drift_allowed);
     // As long as its pictures.
     const int frame = is->audio->frame_bytes();
-    const int regular = static_cast<int>(bytes / frame / speed(is)) * frame;
+    const int frames = bytes / frame;
+    const int regular = static_cast<int>(frames / speed(is)) * frame;
     return follow_drift(is, bytes, regular, 0.0);
 }
 

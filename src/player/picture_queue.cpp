@@ -102,9 +102,10 @@ void interleave_yuv(const AVFrame& frame, std::uint8_t* destination) {
     for (int y = 0; y < frame.height / 2; ++y, row += stride) {
         const std::uint8_t* u = frame.data[1] + static_cast<std::ptrdiff_t>(y) * frame.linesize[1];
         const std::uint8_t* v = frame.data[2] + static_cast<std::ptrdiff_t>(y) * frame.linesize[2];
-        for (int x = 0; x < frame.width / 2; ++x) {
-            row[2 * x] = u[x];
-            row[2 * x + 1] = v[x];
+        std::uint8_t* pair = row;
+        for (int x = 0; x < frame.width / 2; ++x, pair += 2) {
+            pair[0] = u[x];
+            pair[1] = v[x];
         }
     }
 }
