@@ -117,14 +117,18 @@ class RandomUser:
             self.hand.look_again()
 
     def await_pictures(self, count):
-        """The watchdog. A picture enlarged four times takes a software driver some seconds."""
-        before = self.player.watch.swaps
+        """The watchdog. A software driver can take minutes over a picture of 1080p enlarged four times; it has to go
+        on all the time."""
+        watch = self.player.watch
+        begun = watch.swaps
+        while watch.swaps - begun < count:
+            before = watch.waits + watch.swaps
 
-        def shown():
-            assert self.player.running(), f"ended after {self.given} commands: " + self.player.output()
-            return self.player.watch.swaps - before >= count
+            def goes_on(before=before):
+                assert self.player.running(), f"ended after {self.given} commands: " + self.player.output()
+                return watch.waits + watch.swaps > before
 
-        wait_for(shown, 40, f"pictures after {self.given} commands")
+            wait_for(goes_on, 40, f"pictures after {self.given} commands")
 
     # Afterwards
 

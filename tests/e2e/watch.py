@@ -8,7 +8,7 @@ import tempfile
 
 LIBRARY = os.environ.get("VYX_GL_WATCH", "")
 FIELDS = ("start_errors", "errors", "swaps", "captions", "question", "answer",
-          "textures", "lists", "buffers", "framebuffers", "programs", "heap")  # fmt: skip
+          "textures", "lists", "buffers", "framebuffers", "programs", "waits", "heap")  # fmt: skip
 OBJECTS = FIELDS[6:11]
 
 

@@ -26,7 +26,8 @@ struct Record {
     uint32_t buffers;
     uint32_t framebuffers;
     uint32_t programs;
-    uint32_t heap; /* KiB that were allocated and not freed */
+    uint32_t waits; /* for the driver to finish what it was asked for */
+    uint32_t heap;  /* KiB that were allocated and not freed */
 };
 
 enum { highest_name = 20000 };
@@ -113,6 +114,13 @@ void SDL_GL_SwapBuffers(void) {
     }
     swap();
     if (record) ++record->swaps;
+}
+
+void glFinish(void) {
+    static void (*finish)(void);
+    if (!finish) finish = (void (*)(void))next("glFinish");
+    finish();
+    if (record) ++record->waits;
 }
 
 void SDL_WM_SetCaption(const char* title, const char* icon) {
