@@ -23,7 +23,7 @@ constexpr std::uint32_t buffer_reserve = 1024;
 constexpr std::uint32_t rate_scale = 1000;
 constexpr std::uint32_t dots_per_metre = 2952;  // 75 per inch
 // Rows are converted in pieces that stay in the processor's cache until they are written.
-constexpr std::size_t piece_bytes = 128 * 1024;
+constexpr std::size_t piece_bytes = std::size_t{128} * 1024;
 
 // What a 32-bit signed field holds of a number.
 std::uint32_t field(float value) {
