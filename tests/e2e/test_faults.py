@@ -28,6 +28,7 @@ class FaultsTestCase(PlayerTestCase):
         player = self.start(*options, *([clip(name)] if name else []), cwd=folder.name,
                             env={**preloaded(FAULTS), "VYX_FAULT": fault})
         player.folder = folder.name
+        player.gl_fails = fault.startswith(("texture", "shader", "program", "mapping"))
         return player
 
     def failed(self, player, call):
