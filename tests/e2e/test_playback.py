@@ -65,13 +65,14 @@ class Playback(PlayerTestCase):
     def test_an_icon_plays_on_and_draws_nothing(self):
         player = self.start(clip("h264.mp4"))
         before = self.number(player)
-        window = player.window()
+        window, place = player.window(), player.geometry()
         player.xdotool("windowminimize", "--sync", window)
         time.sleep(0.5)
         start = player.processor_time("llvmpipe")
         time.sleep(1.5)
         self.assertEqual(player.processor_time("llvmpipe"), start, "the driver draws")
         player.xdotool("windowmap", "--sync", window)
+        wait_for(lambda: player.geometry() == place, 5, "the window where it was")
         # The film is as far as it would have been.
         self.await_number(player, lambda n: n > before + 40, 5, "a later picture")
         self.assertEqual(player.quit(), 0)
