@@ -149,13 +149,13 @@ class Files(FaultsTestCase):
         self.ends(player)
 
     def test_reading_fails_in_the_middle(self):
-        player = self.film(f"read@{FFMPEG_FILES}:4")
+        player = self.film(f"read@{FFMPEG_FILES}:8", "mjpeg.avi")
         self.failed(player, "read")
         self.number(player)  # what was read before is shown
         self.ends(player)
 
     def test_one_read_fails(self):
-        player = self.film(f"read@{FFMPEG_FILES}:4+1")
+        player = self.film(f"read@{FFMPEG_FILES}:8+1", "mjpeg.avi")
         self.failed(player, "read")
         self.ends(player)
 
