@@ -17,8 +17,9 @@ class StillPictureTest : public VideoRefreshTest {
   protected:
     void SetUp() override {
         VideoRefreshTest::SetUp();
+        hold_refreshes(true);  // each is called by the test itself
         queue(3);
-        refresh(&is_);
+        video_refresh_timer(&is_);
         stream_pause(&is_);
         settle();
     }
@@ -26,6 +27,11 @@ class StillPictureTest : public VideoRefreshTest {
         gui.children.clear();
         infolabel_text.clear();
         master_settings.status.setValue(0);
+        // Timers fire one after the other: with the last one, none is at work any more.
+        hasten_refresh();
+        hold_refreshes(false);
+        schedule_refresh_later(nullptr, 30);
+        await_refresh();
         VideoRefreshTest::TearDown();
     }
 
@@ -33,7 +39,7 @@ class StillPictureTest : public VideoRefreshTest {
     bool draws() {
         const int shown = lastframe_timestamp_qi;
         now_us += second / 40;
-        refresh(&is_);
+        video_refresh_timer(&is_);
         return lastframe_timestamp_qi != shown;
     }
     // Until nothing moves any more.
@@ -42,8 +48,6 @@ class StillPictureTest : public VideoRefreshTest {
             now_us += second / 40;
             video_refresh_timer(&is_);
         }
-        await_refresh();
-        refresh_scheduled = false;
     }
     // Something that makes the window look different until it has settled again.
     void expect_drawn_for_a_while(const char* what) {
