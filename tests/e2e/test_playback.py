@@ -45,6 +45,7 @@ class Playback(PlayerTestCase):
         wait_for(pause_later, 20, "a frame after the fifth")
         return found
 
+    @unittest.skipIf(PATIENCE > 1, "sanitizers take processor time of their own")
     def test_a_paused_picture_costs_next_to_nothing(self):
         player = self.start(clip("film_720p.mp4"))
         player.key("space")
@@ -54,7 +55,7 @@ class Playback(PlayerTestCase):
         start = player.processor_time()
         time.sleep(5)
         # Measured 2.3 to 2.9 % of a core on a busy machine; 20 % where every refresh draws.
-        self.assertLess((player.processor_time() - start) / 5, 0.06 * PATIENCE)
+        self.assertLess((player.processor_time() - start) / 5, 0.06)
         player.key("i")
         # The label of the key.
         player.look_until(lambda shot: sum(shot.pixel(x, y) != before.pixel(x, y)
