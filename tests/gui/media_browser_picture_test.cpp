@@ -163,6 +163,8 @@ TEST_F(BrowserPictures, OnePictureLeavesNothingSwitchedOn) {
 
 TEST_F(BrowserPictures, WholeBrowser) {
     const std::string driver = foreign_driver();
+    // The kept picture is llvmpipe's; with another driver (softpipe) the largest difference is 128
+    // and the mean 1.9, beside lines on the border of two pixels.
     if (!driver.empty()) GTEST_SKIP() << "drawn by " << driver;
     pretend({"../", "Holidays/", "clip.MKV", "[Group] Show 01.mkv", "a film with a long name.mp4",
              "song.mp3", "wide.avi", "upright.mp4", "x.flv", "y.ogg", "z.wmv"},
@@ -174,7 +176,7 @@ TEST_F(BrowserPictures, WholeBrowser) {
     player.thumbnails["/home/films/wide.avi"] = quarters(192, 80);
     player.thumbnails["/home/films/upright.mp4"] = quarters(81, 144);
     browser->select("clip.MKV");
-    // Measured 0 and 0.0; 128 and 1.9 with another driver (softpipe).
+    // Measured 0 and 0.0.
     expect_golden("media_browser", picture(), {3, 0.05});
 }
 
