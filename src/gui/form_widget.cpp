@@ -72,7 +72,7 @@ void FormWidget::draw() {
         return;
     }
     if (dirty) {
-        record([this] { draw_contents(); });
+        record();
         dirty = false;
         is_kept_ = false;
     } else {
@@ -81,12 +81,12 @@ void FormWidget::draw() {
     }
 }
 
-void FormWidget::record(const std::function<void()>& drawing) {
+void FormWidget::record() {
     if (!display_list) display_list = glGenLists(1);
     recording = true;
     // Executing too: it has to be seen now, and clipping needs the matrices as they will be.
     glNewList(display_list, GL_COMPILE_AND_EXECUTE);
-    drawing();
+    draw_contents();
     glEndList();
     recording = false;
 }

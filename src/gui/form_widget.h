@@ -4,7 +4,6 @@
 #include "gui/kept_drawing.h"
 #include "gui/widget_container.h"
 
-#include <functional>
 #include <string>
 
 /// A panel with a title bar to move it by. It fades and zooms in and out, and its drawing is kept
@@ -73,7 +72,7 @@ class FormWidget : public WidgetContainer {
     void draw_children();
 
   private:
-    void record(const std::function<void()>& drawing);
+    void record();
     void keep_drawing();
     void move_to(pointf origin);
     void draw_frame();
