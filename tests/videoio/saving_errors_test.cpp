@@ -275,10 +275,10 @@ TEST_F(SavingErrors, FullDisks) {
 }
 
 TEST_F(SavingErrors, UncompressedFilesEndBelow4GiB) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    // Only frames of 2.1 GB each come near the limit of 4 GiB, and each is converted row by row:
-    // under a sanitizer that alone is longer than a test may take. The release build runs this.
-    GTEST_SKIP() << "converts 4 GB, which takes minutes here";
+#if defined(__SANITIZE_THREAD__)
+    // Two frames of 2.1 GB are converted: 1.3 s in release and 3.6 s under AddressSanitizer, but
+    // more than 90 s under ThreadSanitizer, and a test may take 120.
+    GTEST_SKIP() << "takes too long under ThreadSanitizer";
 #endif
     constexpr std::size_t bytes = std::size_t{20000} * 35000 * 3;
     void* zeros =
