@@ -2,6 +2,7 @@
 """A hand at the mouse, and where the player's forms and controls are, in units of a window of 800 x 600."""
 
 import ctypes
+import time
 
 from screen_font import ScreenFont
 from support import wait_for
@@ -136,6 +137,7 @@ class Hand:
 
     def __init__(self, player):
         self.player = player
+        self.clicked_at = 0.0
         self.look_again()
 
     def look_again(self):
@@ -154,7 +156,10 @@ class Hand:
         self.do("mousemove", *self.on_screen(place))
 
     def click(self, place, number=1):
+        """One click, which is no double click together with the one before."""
+        time.sleep(max(0.0, self.clicked_at + 0.5 - time.monotonic()))
         self.do("mousemove", *self.on_screen(place), "click", number)
+        self.clicked_at = time.monotonic()
 
     def press(self, place):
         self.do("mousemove", *self.on_screen(place), "mousedown", 1)

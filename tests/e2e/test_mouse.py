@@ -169,8 +169,9 @@ class Mouse(PlayerTestCase):
 
     def test_bars_come_with_a_click_and_go_when_the_mouse_has_left(self):
         player, hand = self.play(clip("h264.mp4"))
+        first = self.number(player)
         hand.click(NEUTRAL)
-        self.number(player)
+        self.await_number(player, lambda number: number != first, 10, "another picture")
         self.assertFalse(transport_shown(player.look()), "a click in the middle is no click near an edge")
         for edge in ((-390, 0), (390, 0), (0, -290), (0, 290)):
             self.bring_bars(player, hand, edge)
