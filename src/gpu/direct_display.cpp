@@ -3,8 +3,7 @@
 
 #include "core/settings.h"
 #include "gpu/display_effects.h"
-#include "gpu/gl_bindings.h"
-#include "gpu/gl_shader.h"
+#include "gpu/pass.h"
 #include "gpu/texture_cache.h"
 
 #include <shaders/direct_display.h>
@@ -20,13 +19,6 @@ void upload_plane(const gl_texture_resource* tex, GLenum format, std::uintptr_t 
     const auto* place = reinterpret_cast<const void*>(offset);
     glTexSubImage2D(tex->target(), 0, 0, 0, tex->width(), tex->height(), format, GL_UNSIGNED_BYTE,
                     place);
-}
-
-void corner(const DirectPlanes& planes, int x, int y, int width, int height) {
-    const gl_texture_resource& tex = *planes.y;
-    const bool texels = tex.target() != GL_TEXTURE_2D;
-    glTexCoord2i(texels ? x * tex.width() : x, texels ? y * tex.height() : y);
-    glVertex2i(x * width, y * height);
 }
 
 }  // namespace
@@ -55,20 +47,10 @@ void upload_planes(const VideoPicture& pic, DirectPlanes& planes) {
 
 void draw_planes(DirectPlanes& planes, int width, int height) {
     const ColourAdjustment colour = colour_adjustment();
-    gl_shader_resource* program = compile_shader(yuv420p_planes, true);
-    set_texture(0, planes.y, GL_LINEAR);
-    set_texture(1, planes.uv, GL_LINEAR);
-    program->begin();
-    program->setValue("texY", 0);
-    program->setValue("texUV", 1);
-    program->setValue("c", colour.c);
-    program->setValue("b", colour.b);
-    glBegin(GL_QUADS);
-    corner(planes, 0, 0, width, height);
-    corner(planes, 1, 0, width, height);
-    corner(planes, 1, 1, width, height);
-    corner(planes, 0, 1, width, height);
-    glEnd();
-    program->end();
-    unbind_textures();
+    Pass(yuv420p_planes)
+        .input("texY", planes.y, GL_LINEAR)
+        .input("texUV", planes.uv, GL_LINEAR)
+        .set("c", colour.c)
+        .set("b", colour.b)
+        .draw(width, height);
 }

@@ -6,7 +6,6 @@
 #include "gpu/drawing_pieces.h"
 #include "gpu/spatial_denoising.h"
 #include "gpu/spatial_sr.h"
-#include "gpu/temporal_upscaling.h"
 #include "gpu/work_texture.h"
 
 #include <algorithm>
@@ -138,7 +137,7 @@ void postprocessing_filter(const DisplayView& view, VideoPicture& pic,
 }
 
 void prepare_picture(const DisplayView& view, VideoPicture& cur, VideoPicture& prev,
-                     const EnhancementFactors& factors) {
+                     const EnhancementFactors& factors, DirectInterpolation* direct) {
     const int algorithm = master_settings.upscaling_algorithm.toInt();
     const bool enhanced = factors.spatial > 1 || algorithm > 0 || view.hook;
     if (!cur.uploaded) upload_picture(cur, {view.pixel_buffers, enhanced, view.staging});
@@ -158,9 +157,10 @@ void prepare_picture(const DisplayView& view, VideoPicture& cur, VideoPicture& p
     }
     const bool show_original = master_settings.show_original.toBool();
     const bool split = show_original || master_settings.demo_mode.toBool();
-    if (method == method_off && sharpening <= 0.0F && !split) {
-        // Nothing changes the picture, so a copy of it would show nothing else.
+    if (sharpening <= 0.0F && !split && (method == method_off || direct)) {
+        // Nothing changes the picture any more, so a copy of it would show nothing else.
         view.shown = cur.source();
+        if (direct) *direct = {method, &cur, &prev, phase_of(view), factors.temporal};
         return;
     }
     alloc_texture(view.output, cur.height * factors.spatial, cur.width * factors.spatial, 0);

@@ -9,6 +9,10 @@ Pass::Pass(const char* program, gl_texture_resource* out)
     program_->begin();
 }
 
+Pass::Pass(const char* program) : program_(compile_shader(program, true)) {
+    program_->begin();
+}
+
 Pass& Pass::input(const char* uniform, gl_texture_resource* tex, int filter) {
     set_texture(unit_, tex, filter);
     program_->setValue(uniform, unit_);
@@ -29,6 +33,23 @@ Pass& Pass::set_vectors4(const char* uniform, const float* values, int count) {
 void Pass::run() {
     program_->run();
     program_->end();
+}
+
+void Pass::draw(int width, int height) {
+    const gl_texture_resource& first = *textures[0];
+    const bool texels = first.target() != GL_TEXTURE_2D;
+    const auto corner = [&](int x, int y) {
+        glTexCoord2i(texels ? x * first.width() : x, texels ? y * first.height() : y);
+        glVertex2i(x * width, y * height);
+    };
+    glBegin(GL_QUADS);
+    corner(0, 0);
+    corner(1, 0);
+    corner(1, 1);
+    corner(0, 1);
+    glEnd();
+    program_->end();
+    unbind_textures();
 }
 
 bool has_texture_barrier() {

@@ -13,6 +13,8 @@
 class Pass {
   public:
     Pass(const char* program, gl_texture_resource* out);
+    /// Draws into what is bound, by `draw`.
+    explicit Pass(const char* program);
 
     Pass& input(const char* uniform, gl_texture_resource* tex, int filter = GL_NEAREST);
 
@@ -25,6 +27,9 @@ class Pass {
     Pass& set_vectors4(const char* uniform, const float* values, int count);
 
     void run();
+    /// Instead of `run`: a quad from (0, 0) to (`width`, `height`) in the current transformation,
+    /// the first input all over it.
+    void draw(int width, int height);
 
   private:
     object_ref<gl_shader_resource> program_;

@@ -69,6 +69,11 @@ void draw_textured_quad(const VideoPicture& pic, const gl_texture_resource& tex)
     glEnd();
 }
 
+// Whether the picture has more texels than its place on screen has pixels.
+bool is_reduced(const VideoPicture& pic, const EnhancementFactors& factors, const SDL_Rect& r) {
+    return r.w * r.h < pic.width * pic.height * factors.spatial * factors.spatial;
+}
+
 void hand_over(object_ref<gl_texture_resource>& from, object_ref<gl_texture_resource>& to) {
     if (!from || to) return;
     to = from;
@@ -85,7 +90,8 @@ void take_textures(const DisplayView& view, VideoPicture& pic) {
     }
 }
 
-void prepare(const DisplayView& view, VideoPicture& pic, const EnhancementFactors& factors) {
+void prepare(const DisplayView& view, VideoPicture& pic, const EnhancementFactors& factors,
+             DirectInterpolation* direct) {
     if (pic.buffer_filled && pic.buffer_form == BufferForm::interleaved) {
         upload_planes(pic, view.planes);
         view.shown = nullptr;
@@ -94,7 +100,7 @@ void prepare(const DisplayView& view, VideoPicture& pic, const EnhancementFactor
     } else {
         VideoPicture& prev = slot(view, view.read_index + picture_slots - 1);
         if (!pic.uploaded) take_textures(view, pic);
-        prepare_picture(view, pic, prev, factors);
+        prepare_picture(view, pic, prev, factors, direct);
     }
     pic.seen = true;
     view.shown_index = static_cast<int>(&pic - view.slots);
@@ -157,21 +163,26 @@ bool display_picture(const DisplayView& view) {
         return false;
     }
     const EnhancementFactors factors = enhancement_factors(pic->width, pic->height);
+    SDL_Rect r = destination_rectangle(master_settings.spatial_zoom.toInt(), pic->height,
+                                       display_aspect(pic->width, pic->height, pic->sample_aspect),
+                                       factors.spatial, view.screen_width, view.screen_height);
+    video_scaling_animation(r);
+    DirectInterpolation between;
     if (view.queued > 0 && pic == &slot(view, view.read_index) && refreshes(view)) {
-        prepare(view, *pic, factors);
+        prepare(view, *pic, factors, is_reduced(*pic, factors, r) ? &between : nullptr);
     } else if (view.queued == 0 && refreshes(view) && view.shown && pic->uploaded && pic->rgb) {
         // The last one stays, whole, not as it was on the way from the one before.
         VideoPicture nothing;
         nothing.number = pic->number;
         prepare_picture(view, *pic, nothing, factors);
     }
-    SDL_Rect r = destination_rectangle(master_settings.spatial_zoom.toInt(), pic->height,
-                                       display_aspect(pic->width, pic->height, pic->sample_aspect),
-                                       factors.spatial, view.screen_width, view.screen_height);
-    video_scaling_animation(r);
     clear_window(view.screen_width, view.screen_height);
     begin_picture(*pic, r);
-    draw_shown(view, *pic, r);
+    if (between.method != method_off) {
+        draw_interpolated(between, pic->width, pic->height);
+    } else {
+        draw_shown(view, *pic, r);
+    }
     if (view.show_motion_vectors) draw_motion_vectors(*pic);
     if (view.show_quantization) draw_quantization(*pic);
     glPopMatrix();

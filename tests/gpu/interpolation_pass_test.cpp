@@ -3,10 +3,13 @@
 
 #include "gpu/cpu_twins.h"
 #include "gpu/interpolation_windows.h"
+#include "gpu/video_display.h"
 
 #include "support/pass_test.h"
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -144,6 +147,50 @@ TEST_F(InterpolationPassTest, CompensatedMethodsFollowTheirTwins) {
     });
 }
 
+// The largest difference of three channels between what the window shows and a twin, where the
+// picture lies in the window's corner, pixel by texel.
+float difference_in_window(const Image& shown, const Image& twin) {
+    float largest = 0.0F;
+    for (int y = 0; y < twin.height(); ++y) {
+        for (int x = 0; x < twin.width(); ++x) {
+            const auto& [a, b] = std::pair{shown.at(x, y), twin.at(x, y)};
+            for (const float d :
+                 {a.r - std::clamp(b.r, 0.0F, 1.0F), a.g - std::clamp(b.g, 0.0F, 1.0F),
+                  a.b - std::clamp(b.b, 0.0F, 1.0F)})
+                largest = std::max(largest, std::abs(d));
+        }
+    }
+    return largest;
+}
+
+// The driver weighs 8-bit textures with 8 bits (2.8 steps measured), those of factor 2 with more
+// (0.5).
+TEST_F(InterpolationPassTest, DrawingIntoTheWindowFollowsTheTwins) {
+    const std::pair<int, Twin> methods[] = {{method_4_neighbours, twins::overlapping_4nb},
+                                            {method_8_neighbours, twins::overlapping_8nb}};
+    for (const int f : {1, 2}) {
+        make_pair({72, 56}, f, film_like_content(), 1);
+        const Image prev = download(prev_.source());
+        const Image cur = download(cur_.source());
+        const auto shown = [&](int method, float phase) {
+            clear_window(window_width, window_height);
+            draw_interpolated({method, &cur_, &prev_, phase, 5}, 72 * f, 56 * f);
+            return window();
+        };
+        for (const float phase : {0.0F, 1.0F, 2.4F, 4.0F}) {
+            for (const auto& [method, twin] : methods) {
+                const Image expected = twin(prev, cur, cur_, static_cast<double>(phase), 5, f);
+                EXPECT_LT(difference_in_window(shown(method, phase), expected),
+                          (f == 1 ? 3.0F : 0.6F) * step)
+                    << method << " at " << phase << ", factor " << f;
+            }
+            const Image faded = twins::blend(prev, cur, static_cast<int>(phase), 5);
+            EXPECT_LT(difference_in_window(shown(method_blend, phase), faded), 0.6F * step)
+                << phase;
+        }
+    }
+}
+
 TEST_F(InterpolationPassTest, LargerBlocksOfTheirOwnShape) {
     make_pair({48, 40}, 1, film_like_content(), 1);
     cur_.block_width = 16;
@@ -240,15 +287,15 @@ TEST_F(InterpolationPassTest, KnownMotionIsFollowed) {
     }
 }
 
-// A slope so gentle that no prediction is far from the current picture: with the same vector in every
-// block all neighbours agree.
+// A slope so gentle that no prediction is far from the current picture: with the same vector in
+// every block all neighbours agree.
 TEST_F(InterpolationPassTest, NeighboursFollowKnownMotion) {
     constexpr int f = 2;
     constexpr int dx = 4;
     const auto moved = [](float part) {
         return make_image(64 * f, 48 * f, [part](int x, int y) {
-            const float v = 0.001F * (static_cast<float>(x) + part * dx * f) +
-                            0.0002F * static_cast<float>(y);
+            const float v =
+                0.001F * (static_cast<float>(x) + part * dx * f) + 0.0002F * static_cast<float>(y);
             return Rgba{v, v, v, 1.0F};
         });
     };

@@ -56,6 +56,34 @@ TEST_F(VideoDisplayTest, BothRoadsShowTheSame) {
     }
 }
 
+TEST_F(VideoDisplayTest, PicturesLargerThanTheirPlaceAreInterpolatedInTheWindow) {
+    master_settings.temporal_upscaling_factor.setValue(3);
+    const auto show_second = [this](int read_index, int grey_before, int grey) {
+        queue(read_index, grey_before);
+        queue(read_index + 1, grey);
+        phase_ = 0.0F;
+        display(read_index, 2);
+        phase_ = 1.0F;  // a quarter of the way
+        display(read_index + 1, 1);
+    };
+    show_second(0, 60, 180);
+    EXPECT_NEAR(middle(), converted(90), 2);
+    EXPECT_FALSE(output_.IsNull());
+    output_ = nullptr;
+    for (VideoPicture* pic : {&slots_[2], &slots_[3]}) {
+        pic->width = 4 * window_width;
+        pic->height = 4 * window_height;
+        make_pixel_buffer(*pic);
+    }
+    show_second(2, 60, 180);
+    EXPECT_NEAR(middle(), converted(90), 2);
+    EXPECT_TRUE(output_.IsNull());
+    // A redraw that prepares nothing shows the picture itself.
+    paused_ = true;
+    display(3, 1);
+    EXPECT_NEAR(middle(), converted(180), 2);
+}
+
 TEST_F(VideoDisplayTest, EveryPictureIsFilledOnceAndOnlyWhileQueued) {
     queue(0, 50);
     queue(1, 60);
