@@ -130,7 +130,7 @@ void draw_shown(const DisplayView& view, const VideoPicture& pic, const SDL_Rect
 bool shows_all_of_it(const DisplayView& view) {
     return view.step && view.paused && !view.rewind && !view.fast_forward &&
            view.shown_index >= 0 && master_settings.temporal_upscaling_factor.toInt() == 0 &&
-           !slot(view, view.read_index).seen;
+           (view.queued == 0 || !slot(view, view.read_index).seen);
 }
 
 // The picture to draw: the one at the read index once it is there, else the last one.

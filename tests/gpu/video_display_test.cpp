@@ -190,6 +190,20 @@ TEST_F(VideoDisplayTest, StepWithoutInterpolationLeavesTheNextPictureForLater) {
     EXPECT_NEAR(middle(), converted(90), 2);
 }
 
+TEST_F(VideoDisplayTest, StepWithAnEmptyQueueLeavesTheSlotToItsWriter) {
+    queue(0, 100);
+    display(0, 1);
+    paused_ = true;
+    for (const bool seen : {false, true}) {  // as the video thread left it or is about to change it
+        slots_[1].seen = seen;
+        step_ = true;
+        display(1, 0);
+        EXPECT_FALSE(step_);
+        EXPECT_EQ(shown_index_, 0);
+        EXPECT_NEAR(middle(), converted(100), 2);
+    }
+}
+
 TEST_F(VideoDisplayTest, PicturesInMemoryAreShownWithoutPixelBuffers) {
     pixel_buffers_ = false;
     VideoPicture& pic = slots_[0];
