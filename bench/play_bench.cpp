@@ -3,7 +3,7 @@
 //
 //     bench_play SECONDS FILM [seeks] [SETTING=VALUE...]
 //
-// With "seeks" it jumps to another place of the film every second, once two seconds have passed,
+// With "seeks" it jumps to the other half of the film every second, once two seconds have passed,
 // and tells how long it took until a picture from there was on screen. One line per figure: name,
 // value, unit. Times are wall-clock; CPU time is the whole process's, all threads. What it leaves
 // out: the X server's work, which the window system does for every player.
@@ -20,6 +20,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -37,6 +38,7 @@ struct Measurements {
     std::vector<double> begun_late;  // milliseconds: refresh begun minus due
     std::vector<double> shown_late;  // milliseconds: swap done minus due
     std::vector<double> seek_times;  // milliseconds: request to swap
+    std::vector<double> requests;    // seconds of the monotonic clock
     double last_due = 0.0;
     int shown = 0;
     int swaps = 0;
@@ -62,6 +64,8 @@ void watch_seeks(VideoState* is, std::int64_t now, double pts) {
     measured.seek_target = pts < half ? half + 4.0 + within : within;
     measured.seek_start = now;
     measured.next_seek = now + 1000000;
+    measured.requests.push_back(
+        std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count());
     stream_seek(is, static_cast<std::int64_t>(measured.seek_target * 1e6), 0);
 }
 
@@ -149,6 +153,8 @@ void report() {
         std::printf("seeks %zu\n", measured.seek_times.size());
         std::printf("seek_to_picture_p50 %.1f ms\n", percentile(measured.seek_times, 0.5));
         std::printf("seek_to_picture_p100 %.1f ms\n", percentile(measured.seek_times, 1.0));
+        for (const double request : measured.requests)
+            std::printf("seek_requested %.6f s\n", request);
     }
     if (measured.shown_late.empty()) return;
     for (const double part : {0.5, 0.9, 0.99, 1.0}) {

@@ -9,12 +9,14 @@ import signal
 import socket
 import subprocess
 import tempfile
+import threading
 import time
 
 TOP = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 BIN = os.path.join(TOP, "build/release/bin")
 MEDIA = os.path.join(TOP, "build/media")
 SIZE = (800, 600)
+AT_CORNER, CENTRED = (400, 300), (640, 512)  # the middle of a window at the display's corner or in its middle
 
 MPV = ["mpv", "--no-config", "--really-quiet", "--vo=gpu", "--gpu-sw=yes", "--ao=null",
        f"--geometry={SIZE[0]}x{SIZE[1]}+0+0"]
@@ -84,10 +86,35 @@ class Screen:
         self.x11.XDestroyImage(image)
         return pixel & 0xFFFFFF
 
-    def is_bright(self):
+    def is_bright(self, *places):
         # Films for this begin with a white picture, which no player shows by itself.
-        spots = (self.spot(SIZE[0] // 2, SIZE[1] // 2), self.spot(640, 512))
+        spots = [self.spot(*place) for place in places or (AT_CORNER, CENTRED)]
         return any(min(p >> 16, p >> 8 & 255, p & 255) > 200 for p in spots)
+
+
+class Changes(threading.Thread):
+    """Looks at a place until it is told to stop; when it turned bright or dark."""
+
+    def __init__(self, place):
+        super().__init__(daemon=True)
+        self.screen, self.place, self.times, self.over = Screen(), place, [], threading.Event()
+        self.start()
+
+    def run(self):
+        last = self.screen.is_bright(self.place)
+        while not self.over.is_set():
+            bright = self.screen.is_bright(self.place)
+            if bright != last:
+                self.times.append(time.monotonic())
+                last = bright
+            time.sleep(0.001)
+
+    def after(self, requests):
+        """Stops; milliseconds from each request to the next change, of those that had one within a second."""
+        self.over.set()
+        self.join()
+        waits = (next((t - request for t in self.times if t > request), 2.0) for request in requests)
+        return [1e3 * wait for wait in waits if wait < 1.0]
 
 
 def first_picture(screen, command):
@@ -107,15 +134,23 @@ def first_picture(screen, command):
     return passed
 
 
+def vyx_seeks(film, count, *options):
+    """Milliseconds from each request to jump until the other half of the film is on the screen."""
+    changes = Changes(CENTRED)
+    run = vyx(film, 2 + count, "seeks", *options)
+    return changes.after([float(t) for t in re.findall(r"^seek_requested (\S+)", run.output, re.MULTILINE)])
+
+
 def mpv_seeks(film, targets):
-    """Milliseconds from each request to jump until mpv says that it plays from there."""
+    """The same; `targets` lie in turns in either half."""
+    changes = Changes(AT_CORNER)
     with tempfile.TemporaryDirectory() as folder:
         path = os.path.join(folder, "socket")
         process = subprocess.Popen([*MPV, f"--input-ipc-server={path}", film], stdout=subprocess.DEVNULL,
                                    stderr=subprocess.DEVNULL)
         while not os.path.exists(path):
             time.sleep(0.01)
-        times = []
+        requests = []
         with socket.socket(socket.AF_UNIX) as link:
             link.connect(path)
             answers = link.makefile("r")
@@ -131,11 +166,10 @@ def mpv_seeks(film, targets):
                 link.sendall(b'{"command": ["get_property", "pid"], "request_id": 77}\n')
                 while json.loads(answers.readline()).get("request_id") != 77:
                     pass
-                start = time.monotonic()
+                requests.append(time.monotonic())
                 link.sendall(f'{{"command": ["seek", {target}, "absolute+keyframes"]}}\n'.encode())
                 await_restart()
-                times.append((time.monotonic() - start) * 1e3)
                 time.sleep(1)
         process.terminate()
         process.wait()
-    return times
+    return changes.after(requests)
