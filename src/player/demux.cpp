@@ -117,12 +117,17 @@ class Demuxing {
         if (carry_out_seek(is_)) end_of_file_ = false;
         publish_position();
         if (reading_is_ahead(is_)) {
-            SDL_Delay(poll_ms);
+            wait_for_request();
         } else if (end_of_file_) {
             handle_end_of_file();
         } else {
             read_packet();
         }
+    }
+
+    void wait_for_request() {
+        MutexLock lock(is_->demux_mutex);
+        if (!is_->seek_request) lock.wait_for(is_->demux_cond, poll_ms);
     }
 
     void pass_on_pause() {

@@ -20,13 +20,18 @@ bool closing(VideoState* is) {
     return is->abort_request || packet_queue_aborted(&is->video_queue);
 }
 
-// Waits until a slot may be written. Returns false when the film is being closed.
-bool wait_for_free_slot(VideoState* is) {
+// Whether the film goes on elsewhere meanwhile, and nobody waits for a picture from before. While
+// it is scanned every one of them is shown.
+bool is_outdated(const VideoState* is, int seeks) {
+    return seeks != is->seeks_done && !is->rewind && !is->fast_forward;
+}
+
+// Waits until a slot may be written, or until nothing is to be written any more.
+void wait_for_free_slot(VideoState* is, int seeks) {
     MutexLock lock(is->picture_queue_mutex);
-    while (is->picture_queue_size >= most_queued && !closing(is)) {
+    while (is->picture_queue_size >= most_queued && !closing(is) && !is_outdated(is, seeks)) {
         lock.wait_for(is->picture_queue_cond, slot_wait_ms);
     }
-    return !closing(is);
 }
 
 // Has the main thread make the slot's storage. The request is repeated: an event can get lost.
@@ -121,7 +126,9 @@ bool can_be_shown(int width, int height) {
 
 int queue_picture(VideoState* is, FramePtr& frame, double pts, int seeks) {
     assert_thread(ThreadRole::video);
-    if (!wait_for_free_slot(is)) return -1;
+    wait_for_free_slot(is, seeks);
+    if (closing(is)) return -1;
+    if (is_outdated(is, seeks)) return 1;
     const bool new_size = frame->width != is->last_width || frame->height != is->last_height;
     is->last_width = frame->width;
     is->last_height = frame->height;

@@ -14,7 +14,7 @@ bool can_be_shown(int width, int height);
 
 /// Puts a decoded picture into the next free slot, waiting for one. `frame` may be taken over.
 /// `seeks` is the number of seeks before it. Returns 0, -1 when the film is being closed, 1 when
-/// the picture cannot be converted. [video]
+/// the picture cannot be converted or the film goes on elsewhere meanwhile. [video]
 int queue_picture(VideoState* is, FramePtr& frame, double pts, int seeks);
 
 /// Gives the slot at the write index the storage that the video thread asked for. [main]

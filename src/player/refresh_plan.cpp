@@ -22,7 +22,7 @@ bool last_subframe(RefreshClocks& clocks, int n) {
 // Dropping a picture cannot make up for one that came late.
 void restart_if_late(RefreshClocks& clocks, const RefreshInput& in, double delay) {
     const double ahead = in.free_running ? 0.0 : delay / in.n;
-    if (clocks.frame_timer + ahead > in.now) return;
+    if (clocks.frame_timer + ahead > in.now && !in.jumped) return;
     clocks.frame_timer = in.free_running ? in.now + delay : in.now;
 }
 

@@ -13,6 +13,8 @@ struct RefreshInput {
     bool follows;       ///< pictures follow another clock than their own time stamps
     double difference;  ///< pts - master clock, where they follow one
     bool starved;       ///< the first picture, or the first after the queue had run empty
+    bool jumped;        ///< the first picture of the film or after a seek: it does not wait for the
+                        ///< time of the one before to be over
 };
 
 /// What a refresh does.

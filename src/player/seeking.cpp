@@ -47,7 +47,11 @@ void restart_queues(VideoState* is, std::int64_t target) {
     const int seek = ++is->seeks_done;
     if (is->audio_stream_index >= 0) forget_queued(is, is->audio_queue, seek);
     if (is->video_stream_index >= 0) forget_queued(is, is->video_queue, seek);
-    // Pictures from before need not stay until the next one would have been due.
+    // Pictures from before need not stay until the next one would have been due, nor be queued.
+    {
+        const MutexLock lock(is->picture_queue_mutex);
+        SDL_CondSignal(is->picture_queue_cond.get());
+    }
     hasten_refresh();
 }
 

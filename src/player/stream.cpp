@@ -38,6 +38,8 @@ Records& records() {
 }
 
 void create_locks(VideoState* is) {
+    is->demux_mutex = make_mutex();
+    is->demux_cond = make_cond();
     is->picture_queue_mutex = make_mutex();
     is->picture_queue_cond = make_cond();
     is->audio_decoder_mutex = make_mutex();
@@ -167,6 +169,8 @@ void stream_close(VideoState* is) {
     is->scaler.reset();
     is->quantisers = {};
     free_sound(is);
+    is->demux_cond.reset();
+    is->demux_mutex.reset();
     is->picture_queue_cond.reset();
     is->picture_queue_mutex.reset();
     is->audio_decoder_mutex.reset();
@@ -192,6 +196,9 @@ void stream_seek(VideoState* is, std::int64_t position, int direction) {
     is->seek_position = position;
     is->seek_flags = direction < 0 ? AVSEEK_FLAG_BACKWARD : 0;
     is->seek_request = true;
+    if (!is->demux_mutex) return;  // a record that nothing reads
+    const MutexLock lock(is->demux_mutex);
+    SDL_CondSignal(is->demux_cond.get());
 }
 
 void stream_pause(VideoState* is) {

@@ -94,6 +94,7 @@ RefreshInput refresh_input(VideoState* is, const VideoPicture& pic) {
                  is->sync_source == sync_external;
     in.difference = in.follows ? pic.pts - get_master_clock(is) : 0.0;
     in.starved = is->starved;
+    in.jumped = in.starved && pic.seeks != is->video_clock_seeks;
     return in;
 }
 
@@ -132,11 +133,13 @@ void refresh_video(VideoState* is) {
         show(is);
         return;
     }
+    bool jumps = false;
     for (;;) {
         const int queued = queued_pictures(is);
         if (queued == 0) {
             is->starved = true;
-            show(is);
+            // The picture is on its way after a jump: drawing the old one again would delay it.
+            if (!jumps) show(is);
             refresh_again(is, idle_ms);
             // It may have come meanwhile.
             if (queued_pictures(is) > 0) hasten_refresh();
@@ -144,6 +147,7 @@ void refresh_video(VideoState* is) {
         }
         if (!scanning && head(is).seeks != is->seeks_done) {
             release_picture(is);  // from before a seek: nobody waits for it any more
+            jumps = true;
             continue;
         }
         if (is->is_camera) {

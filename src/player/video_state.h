@@ -81,6 +81,9 @@ struct VideoState {
     /// The next seek is to end at its position, not at a key picture near it.
     std::atomic<bool> seek_exactly{false};
     std::atomic<bool> seeking{false};  ///< [demux] is at it
+    /// [demux] waits here while enough is read; signalled when a seek is asked for.
+    MutexPtr demux_mutex;
+    CondPtr demux_cond;
 
     // Sound.
     AVStream* audio_stream = nullptr;  ///< owned by format_context

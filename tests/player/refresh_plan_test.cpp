@@ -18,7 +18,8 @@ struct Scene {
               .free_running = false,
               .follows = false,
               .difference = 0.0,
-              .starved = false};
+              .starved = false,
+              .jumped = false};
     }
     RefreshPlan plan() { return plan_refresh(clocks, in); }
 
@@ -176,6 +177,24 @@ TEST(RefreshPlan, PictureThatHadToComeLateIsShown) {
     EXPECT_DOUBLE_EQ(in_time.clocks.frame_timer, 100.04) << "the time line stays where it can";
 }
 
+TEST(RefreshPlan, PictureAfterAJumpIsDueAtOnce) {
+    for (const double wait : {-0.5, 0.0, 0.03}) {  // until the time of the picture before is over
+        Scene s;
+        s.in.starved = s.in.jumped = true;
+        s.clocks.frame_timer = s.in.now + wait;
+        EXPECT_TRUE(s.plan().display) << wait;
+        EXPECT_DOUBLE_EQ(s.clocks.displayed_due, s.in.now) << wait;
+        EXPECT_DOUBLE_EQ(s.clocks.frame_timer, s.in.now + 0.04) << wait;
+        Scene free;
+        free.in.free_running = true;
+        free.in.n = 5;
+        free.in.starved = free.in.jumped = true;
+        free.clocks.frame_timer = free.in.now + wait;
+        EXPECT_TRUE(free.plan().display) << wait;
+        EXPECT_NEAR(free.clocks.interpolation_phase, 0.0F, 1e-3F) << wait;
+    }
+}
+
 TEST(RefreshPlan, FreeRunningPhaseFollowsTheWall) {
     Scene s;
     s.in.free_running = true;
@@ -238,7 +257,8 @@ TEST(RefreshPlan, StalledDisplayCatchesUpAndLosesNothingElse) {
                               .free_running = false,
                               .follows = false,
                               .difference = 0.0,
-                              .starved = false};
+                              .starved = false,
+                              .jumped = false};
         const RefreshPlan plan = plan_refresh(clocks, in);
         displayed += plan.display;
         dropped += plan.release && !plan.display;
