@@ -1,5 +1,7 @@
 /* SPDX-License-Identifier: MIT */
+#ifndef _GNU_SOURCE
 #define _GNU_SOURCE /* for RTLD_NEXT */
+#endif
 /* Keeps libraries loaded that a program closes, so that the leak checker can still name the driver
    that an allocation came from, and the suppressions can match it. */
 
