@@ -4,6 +4,7 @@
 #include "platform/threads.h"
 #include "player/audio_output.h"
 #include "player/clocks.h"
+#include "player/input_ahead.h"
 #include "player/seeking.h"
 #include "player/stream.h"
 
@@ -54,6 +55,16 @@ class Demuxing {
 
   private:
     bool open_input() {
+        const InputAhead ahead = take_input_ahead(is_);
+        if (ahead == InputAhead::failed) return false;
+        if (ahead == InputAhead::none && !open_and_probe()) return false;
+        AVFormatContext* context = is_->format_context.get();
+        if (context->pb) context->pb->eof_reached = 0;
+        av_read_play(context);
+        return true;
+    }
+
+    bool open_and_probe() {
         AVFormatContext* context = avformat_alloc_context();
         if (!context) return false;
         // Set before opening: opening may block too.
@@ -63,10 +74,7 @@ class Demuxing {
             return false;
         }
         is_->format_context.reset(context);
-        if (avformat_find_stream_info(context, nullptr) < 0) return false;
-        if (context->pb) context->pb->eof_reached = 0;
-        av_read_play(context);
-        return true;
+        return avformat_find_stream_info(context, nullptr) >= 0;
     }
 
     // The first stream of a type; cover art is no video.

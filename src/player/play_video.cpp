@@ -17,6 +17,7 @@
 #include "player/engine_control.h"
 #include "player/event_loop.h"
 #include "player/infolabel.h"
+#include "player/input_ahead.h"
 #include "player/refresh_timer.h"
 #include "player/stream.h"
 #include "player/video_refresh.h"
@@ -174,6 +175,11 @@ bool open_first_file(const PlayVideoArgs& args) {
     return true;
 }
 
+int give_up() {
+    forget_input_ahead();
+    return 1;
+}
+
 // Forms follow the window.
 void place_forms() {
     constexpr float margin = 10.0F;
@@ -237,13 +243,14 @@ void apply_start_values(const PlayVideoArgs& args) {
 int play_video(PlayVideoArgs* args) {
     set_thread_role(ThreadRole::main);
     av_log_set_level(AV_LOG_ERROR);
-    if (!init_sdl()) return 1;
+    open_input_ahead(args->filename);
+    if (!init_sdl()) return give_up();
     // What comes in before the event loop runs must not fill the queue: the wish to quit has to
     // fit.
     SDL_EventState(SDL_MOUSEMOTION, SDL_IGNORE);
     if (!open_window(args) || !open_gl() || !open_first_file(*args)) {
         SDL_Quit();  // gives the screen its own mode back
-        return 1;
+        return give_up();
     }
     start_frame_times(wall_clock());
     schedule_refresh(global_video_state, first_refresh_ms);
@@ -262,6 +269,7 @@ int play_video(PlayVideoArgs* args) {
 
 void do_exit() {
     close_all_streams();
+    forget_input_ahead();
     if (get_fullscreen()) set_fullscreen(0);
     ThumbnailDatabase::Abort();
     hold_refreshes(true);
