@@ -6,6 +6,8 @@ extern "C" {
 #include <libavutil/time.h>
 }
 
+#include <algorithm>
+
 namespace {
 
 std::atomic<std::int64_t (*)()> replaced_clock{nullptr};
@@ -73,4 +75,13 @@ double timestamp_seconds(std::int64_t timestamp, AVRational time_base) {
 std::int64_t timestamp_microseconds(std::int64_t timestamp, AVRational time_base) {
     if (timestamp == AV_NOPTS_VALUE || time_base.den == 0) return 0;
     return av_rescale_q(timestamp, time_base, av_get_time_base_q());
+}
+
+std::int64_t time_in_film(const VideoState* is, std::int64_t time) {
+    const std::int64_t start = is->start_time;
+    if (time <= start) return 0;
+    // Files may tell of times so far apart that no signed number holds what lies between.
+    const std::uint64_t passed =
+        static_cast<std::uint64_t>(time) - static_cast<std::uint64_t>(start);
+    return static_cast<std::int64_t>(std::min<std::uint64_t>(passed, INT64_MAX));
 }

@@ -32,3 +32,7 @@ double synchronize_video(VideoState* is, int repeat_pict, double frame_delay, do
 double timestamp_seconds(std::int64_t timestamp, AVRational time_base);
 /// The same in microseconds.
 std::int64_t timestamp_microseconds(std::int64_t timestamp, AVRational time_base);
+
+/// A time of the file's time stamps (microseconds) counted from the start of the film: recordings
+/// may begin at any time. 0 for what lies before it. Any thread.
+std::int64_t time_in_film(const VideoState* is, std::int64_t time);

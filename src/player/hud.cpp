@@ -34,8 +34,9 @@ OverlayText right_aligned(const std::string& text, float width) {
 std::int64_t playing_position(const VideoState* is) {
     if (is->video_stream_index < 0 && is->audio_stream_index < 0) return 0;
     const StreamInfo& info = is->video_stream_index >= 0 ? is->video_info : is->audio_info;
-    const std::int64_t position = timestamp_microseconds(global_video_pkt_pts, info.time_base);
-    return std::max<std::int64_t>(position, 0);
+    const std::int64_t pts = global_video_pkt_pts;
+    if (pts == AV_NOPTS_VALUE) return 0;
+    return time_in_film(is, timestamp_microseconds(pts, info.time_base));
 }
 
 std::int32_t status_hours(std::int64_t position) {

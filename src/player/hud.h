@@ -31,8 +31,8 @@ struct HudInput {
     const Subtitle* subtitle = nullptr;
 };
 
-/// The time stamp of the newest video packet, without video of the newest audio packet, in
-/// microseconds; 0 without either, and instead of times before 0.
+/// Where the newest video packet lies in the film, without video the newest audio packet, in
+/// microseconds from the film's start; 0 without either, and instead of times before the start.
 std::int64_t playing_position(const VideoState* is);
 
 /// How many hours the status line tells for a position in microseconds: whole hours of the low 32

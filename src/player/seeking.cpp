@@ -92,7 +92,9 @@ bool carry_out_seek(VideoState* is) {
 
     is->seeking = true;
     // Those of another film are none of this one's business.
-    if (is == global_video_state) subtitles.seek(static_cast<unsigned long>(target));
+    if (is == global_video_state) {
+        subtitles.seek(static_cast<unsigned long>(time_in_film(is, target)));
+    }
     const bool found = seek_file(is, target, flags, !forward);
     if (found) {
         is->discard_before = exactly ? target : nothing_to_discard;

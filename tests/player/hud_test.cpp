@@ -195,6 +195,29 @@ TEST_F(HudStatusTest, PositionComesFromTheStreamThatIsThere) {
     EXPECT_EQ(playing_position(&is_), 0) << "nothing lies before the start";
 }
 
+// Recordings begin at any time.
+TEST_F(HudStatusTest, PositionCountsFromTheStartOfTheFilm) {
+    is_.video_stream_index = 0;
+    is_.start_time = 1001 * second;
+    const auto at = [this](std::int64_t milliseconds) {
+        global_video_pkt_pts = 90 * milliseconds;
+        return playing_position(&is_);
+    };
+    EXPECT_EQ(at(1001000), 0);
+    EXPECT_EQ(at(1002234), 1234000);
+    EXPECT_EQ(at(1000999), 0) << "nothing lies before the start";
+    EXPECT_EQ(at(0), 0);
+    is_.fast_forward = true;
+    at(1002234);
+    EXPECT_EQ(status_line(hud_status(&is_, 0)), "00:00:01:234");
+    is_.start_time = -second / 2;
+    EXPECT_EQ(at(1000), 1500000);
+    global_video_pkt_pts = AV_NOPTS_VALUE;
+    EXPECT_EQ(playing_position(&is_), 0) << "no packet yet";
+    is_.start_time = INT64_MIN;
+    EXPECT_EQ(time_in_film(&is_, INT64_MAX), INT64_MAX);
+}
+
 TEST(Vsync, WhereTheDisplayIsReached) {
     EXPECT_TRUE(vsync_is_wanted(59, 60));
     EXPECT_FALSE(vsync_is_wanted(58, 60));
