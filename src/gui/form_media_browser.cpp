@@ -36,7 +36,7 @@ std::string shown_text(const std::string& name) {
     for (const char c : name) {
         const auto byte = static_cast<unsigned char>(c);
         const bool continues = byte >= 0x80 && byte < 0xC0;
-        if (byte >= 0x20 && byte < 0x7F) {
+        if (byte >= 0x20 && byte <= 0x7F) {
             text += c;
         } else if (!continues) {
             text += '?';

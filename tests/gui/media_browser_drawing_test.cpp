@@ -131,13 +131,16 @@ TEST_F(BrowserTest, NothingIsAskedForWhileHidden) {
 }
 
 TEST_F(BrowserTest, NamesAreShownInOneLineOfWhatTheFontHas) {
-    pretend({"../", "a\nb\t.mp4", "\xC3\xBC\xE2\x82\xAC.mp4", "\xFF\x80.mp4", "x\ny/"}, 3);
+    pretend({"../", "a\nb\t.mp4", "\xC3\xBC\xE2\x82\xAC.mp4", "\xFF\x80.mp4", "x\ny/",
+             "\x1F ~\x7F.mp4"},
+            3);
     DrawingRecorder recorder;
     gui.draw();
     recorder.text("a?b?.mp4");
     recorder.text("??.mp4");
     recorder.text("?.mp4");
     recorder.text("[x?y]");
+    recorder.text("? ~\x7F.mp4");
 }
 
 TEST_F(BrowserTest, SelectedRowIsHighlighted) {
