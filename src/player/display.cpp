@@ -12,6 +12,7 @@
 #include "player/hud.h"
 #include "player/infolabel.h"
 #include "player/picture_queue.h"
+#include "player/play_video.h"
 #include "player/refresh_plan.h"
 #include "player/video_refresh.h"
 
@@ -55,7 +56,7 @@ void sleep_until(double due) {
 void adapt_vsync(int fps) {
     constexpr int automatic = 2;
     if (master_settings.vsync.toInt() != automatic) return;
-    const bool wanted = vsync_is_wanted(fps, get_display_refresh_rate());
+    const bool wanted = vsync_is_wanted(fps, display_refresh_rate);
     if (wanted != (get_vsync() != 0)) set_vsync(wanted ? 1 : 0);
 }
 

@@ -10,6 +10,7 @@
 #include "player/clocks.h"
 #include "player/display.h"
 #include "player/infolabel.h"
+#include "player/play_video.h"
 #include "player/video_refresh.h"
 #include "support/player_fixture.h"
 #include "support/temporary_folder.h"
@@ -17,6 +18,29 @@
 #include "media/subtitles.h"
 
 #include <fstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+// Ends of drawing and swaps, in their order.
+namespace {
+std::string window_calls;
+}
+
+extern "C" {
+void __real_glFinish();
+void __wrap_glFinish();
+void __wrap_glFinish() {
+    window_calls += "finish ";
+    __real_glFinish();
+}
+void __real_SDL_GL_SwapBuffers();
+void __wrap_SDL_GL_SwapBuffers();
+void __wrap_SDL_GL_SwapBuffers() {
+    window_calls += "swap ";
+    __real_SDL_GL_SwapBuffers();
+}
+}
 
 namespace {
 
@@ -165,6 +189,7 @@ TEST_F(OverlayDisplay, AutomaticVsyncFollowsTheRate) {
             hud_display(nullptr);
         }
     };
+    const int rate_before = std::exchange(display_refresh_rate, 60);
     master_settings.vsync.setValue(2);
     shown_at(30);
     EXPECT_EQ(get_vsync(), 0);
@@ -174,9 +199,27 @@ TEST_F(OverlayDisplay, AutomaticVsyncFollowsTheRate) {
     EXPECT_EQ(get_vsync(), 0);
     shown_at(200);
     EXPECT_EQ(get_vsync(), 1);
+    display_refresh_rate = 75;
+    shown_at(73);
+    EXPECT_EQ(get_vsync(), 0) << "the rate is that of the window";
+    shown_at(74);
+    EXPECT_EQ(get_vsync(), 1);
+    display_refresh_rate = rate_before;
     master_settings.vsync.setValue(1);
     shown_at(30);
     EXPECT_EQ(get_vsync(), 1) << "not automatic";
+}
+
+// Pictures that wait for the display are swapped when they are complete, others at once.
+TEST_F(OverlayDisplay, DrawingIsFinishedBeforeASwapThatWaits) {
+    set_vsync(1);
+    window_calls.clear();
+    gui_display();
+    EXPECT_EQ(window_calls, "finish swap ");
+    set_vsync(0);
+    window_calls.clear();
+    gui_display();
+    EXPECT_EQ(window_calls, "swap ");
 }
 
 // Lit rows of a column of the picture of the waveforms.
@@ -236,6 +279,99 @@ TEST_F(OverlayDisplay, NameOfTheFileStandsBelow) {
     is_.filename = "/music/.ogg";
     audio_display(&is_);
     EXPECT_EQ(look(window(), r.x, y, r.x + r.w, r.y + r.h).pixels, 0) << "the name alone";
+}
+
+// The height that the noise of scanning is given.
+std::vector<float> uniforms;
+PFNGLUNIFORM1FPROC real_uniform = nullptr;
+void GLAPIENTRY note_uniform(GLint location, GLfloat value) {
+    uniforms.push_back(value);
+    real_uniform(location, value);
+}
+
+TEST_F(OverlayDisplay, ScanningThroughSoundShowsItsEffectAtTheHeightOfTheWaveforms) {
+    play_sound(1, 0.4F);
+    const auto given = [this](float value) {
+        uniforms.clear();
+        real_uniform = std::exchange(__glewUniform1f, note_uniform);
+        audio_display(&is_);
+        __glewUniform1f = real_uniform;
+        return std::count(uniforms.begin(), uniforms.end(), value);
+    };
+    const SDL_Rect r = waveform_rectangle(0, 1, window_width, window_height);
+    ASSERT_EQ(r.h, 210);
+    const float scale = 9876.78F / 210.0F;
+    EXPECT_EQ(given(scale), 0) << "plays";
+    for (std::atomic<bool>* scan : {&is_.rewind, &is_.fast_forward}) {
+        *scan = true;
+        EXPECT_EQ(given(scale), 1);
+        *scan = false;
+    }
+}
+
+// In a window that is larger than the waveforms at their own size.
+class LargeOverlayDisplay : public OverlayDisplay {
+  protected:
+    void SetUp() override {
+        OverlayDisplay::SetUp();
+        ASSERT_TRUE(set_video_mode(width, height));
+        reshape(width, height);
+        play_sound(1, 0.4F);
+        gui_display();  // the driver takes over the new size with a swap
+    }
+    void TearDown() override {
+        for (Value* value :
+             {&master_settings.spatial_zoom, &master_settings.spatial_upscaling_factor}) {
+            value->setValue(value->default_value());
+        }
+        set_video_mode(window_width, window_height);
+        reshape(window_width, window_height);
+        OverlayDisplay::TearDown();
+    }
+
+    // What the picture of the waveforms covers: it is black, the rest of the window dark grey.
+    SDL_Rect covered() {
+        reset_video_scaling_animation();
+        audio_display(&is_);
+        std::vector<unsigned char> pixels(std::size_t{4} * width * height);
+        glReadBuffer(GL_BACK);
+        glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        int left = width;
+        int right = 0;
+        int top = height;
+        int bottom = 0;
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                if (pixels[static_cast<std::size_t>(4 * (y * width + x))] != 0) continue;
+                left = std::min(left, x);
+                right = std::max(right, x + 1);
+                top = std::min(top, height - 1 - y);
+                bottom = std::max(bottom, height - y);
+            }
+        }
+        return {static_cast<Sint16>(left), static_cast<Sint16>(top),
+                static_cast<Uint16>(right - left), static_cast<Uint16>(bottom - top)};
+    }
+    static void expect_same(const SDL_Rect& found, int x, int y, int w, int h) {
+        EXPECT_EQ(found.x, x);
+        EXPECT_EQ(found.y, y);
+        EXPECT_EQ(found.w, w);
+        EXPECT_EQ(found.h, h);
+    }
+
+    static constexpr int width = 1240;
+    static constexpr int height = 960;
+};
+
+TEST_F(LargeOverlayDisplay, WaveformsHaveTheSizeThatIsSet) {
+    expect_same(covered(), 60, 5, 1120, 840);
+    master_settings.spatial_zoom.setValue(2);
+    expect_same(covered(), 320, 200, 600, 450);
+    master_settings.spatial_upscaling_factor.setValue(1);
+    expect_same(covered(), 20, 0, 1200, 875);
+    master_settings.spatial_upscaling_factor.setValue(0);
+    master_settings.spatial_zoom.setValue(3);
+    expect_same(covered(), 20, 0, 1200, 875);
 }
 
 TEST_F(OverlayDisplay, WithoutSoundThereIsNoWaveform) {
