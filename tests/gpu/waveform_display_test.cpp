@@ -176,6 +176,19 @@ TEST_F(WaveformDisplay, MatricesComeBack) {
     EXPECT_FALSE(glIsEnabled(GL_LINE_SMOOTH));
 }
 
+TEST_F(WaveformDisplay, QualityOfLinesComesBack) {
+    const auto hint = [] {
+        GLint value = 0;
+        glGetIntegerv(GL_LINE_SMOOTH_HINT, &value);
+        return value;
+    };
+    for (const int before : {GL_FASTEST, GL_DONT_CARE}) {
+        glHint(GL_LINE_SMOOTH_HINT, static_cast<GLenum>(before));
+        draw_waveforms(picture_, std::vector{level(0.5F)});
+        EXPECT_EQ(hint(), before);
+    }
+}
+
 TEST_F(WaveformDisplay, FirstRowIsAtTheTopOfTheWindow) {
     const Image image = make_image(600, 450, [](int x, int y) {
         return Rgba{x < 300 ? 1.0F : 0.25F, y < 225 ? 1.0F : 0.25F, 0.5F, 0.0F};
@@ -204,6 +217,39 @@ TEST_F(WaveformDisplay, SeekingAddsNoise) {
     EXPECT_EQ(least->r, 0.0F);
     EXPECT_GT(most->r, 0.3F);
     EXPECT_FALSE(glIsEnabled(picture_->target()));
+}
+
+// Texels lie on pixels here, whatever the height is called.
+TEST_F(WaveformDisplay, NoiseOfSeekingAsItsTwin) {
+    const Image image = random_image(600, 450, 8, 0.0F, 0.3F);
+    const auto texture = upload(image);
+    const Image source = download(texture);
+    constexpr float time = 0.5F;
+    for (const int height : {450, 210, 37}) {
+        clear_window(window_width, window_height);
+        show_waveforms(texture, true, height, window_height, time);
+        const Image shown = window();
+        const float scale = 9876.78F / static_cast<float>(height);
+        float largest = 0.0F;
+        float noise_sum = 0.0F;
+        for (int y = 0; y < 10; ++y) {
+            for (int x = 0; x < 20; ++x) {
+                const float s = static_cast<float>(x) + 0.5F;
+                const float t = static_cast<float>(y) + 0.5F;
+                const float raw = (time * std::cos(t) - time * time * std::sin(s)) * scale;
+                const float noise = raw - std::floor(raw);
+                const float alpha =
+                    0.5F * std::pow(std::clamp(std::cos(0.1F * t + 0.2F), 0.0F, 1.0F), 4.0F);
+                noise_sum += alpha * noise;
+                // The noise turns over at whole numbers; near one, rounding decides.
+                if (noise < 0.01F || noise > 0.99F) continue;
+                const float expected = source.at(x, y).r + alpha * noise;
+                largest = std::max(largest, std::abs(expected - shown.at(x, y).r));
+            }
+        }
+        EXPECT_LE(largest, 0.006F) << height;  // measured 0.0031
+        EXPECT_GT(noise_sum, 10.0F);
+    }
 }
 
 TEST(WaveformRectangle, LiesInTheUpperSevenEighths) {
