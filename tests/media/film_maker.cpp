@@ -28,6 +28,8 @@ std::atomic<bool> allocations_fail{false};
 std::atomic<int> clock_ms{-1};
 std::atomic<int> abort_after_packets{0};
 std::atomic<int> packets_after_abort{0};
+std::atomic<int> worker_pauses{0};
+std::atomic<int> worker_pause_ms{0};
 
 namespace {
 std::atomic<bool> test_is_locking{false};
@@ -71,6 +73,15 @@ int __wrap_av_read_frame(AVFormatContext* format, AVPacket* packet) {
         bAbort = true;
     }
     return result;
+}
+
+void __real_SDL_Delay(Uint32 ms);
+void __wrap_SDL_Delay(Uint32 ms) {
+    if (thread_role() == ThreadRole::thumbs) {
+        worker_pause_ms = static_cast<int>(ms);
+        ++worker_pauses;
+    }
+    __real_SDL_Delay(ms);
 }
 
 Uint32 __real_SDL_GetTicks();

@@ -82,3 +82,6 @@ extern std::atomic<int> clock_ms;
 extern std::atomic<int> abort_after_packets;
 /// Packets read since then.
 extern std::atomic<int> packets_after_abort;
+/// How often the worker has paused, and for how long it was to the last time.
+extern std::atomic<int> worker_pauses;
+extern std::atomic<int> worker_pause_ms;

@@ -70,6 +70,17 @@ TEST_F(ThumbnailWorker, MakesWhatIsAskedFor) {
     EXPECT_EQ(found.flat, 0);
 }
 
+TEST_F(ThumbnailWorker, PausesAfterEachBatch) {
+    const int before = worker_pauses;
+    ThumbnailDatabase::Start();
+    wait_for(clip("h264.mp4"));
+    const auto start = Clock::now();
+    while (worker_pauses == before && Clock::now() - start < deadline)
+        std::this_thread::yield();
+    EXPECT_GE(worker_pauses, before + 1);
+    EXPECT_EQ(worker_pause_ms, 40);
+}
+
 TEST_F(ThumbnailWorker, MakesNothingUnasked) {
     ThumbnailDatabase::Start();
     ThumbnailDatabase::Lookup(clip("h264.mp4"), false);
