@@ -3,10 +3,12 @@
 #include "gui/screen.h"
 
 #include "gui/forms_rig.h"
+#include "support/drawing_recorder.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -280,6 +282,59 @@ TEST(TransportTexts, Volumes) {
     EXPECT_EQ(volume_text(3), "Vol: +3.00 dB");
     EXPECT_EQ(volume_text(-40), "Vol: -40.00 dB");
     EXPECT_EQ(volume_text(10), "Vol: +10.00 dB");
+}
+
+class TransportBarDrawing : public TransportBar {
+  protected:
+    using Buttons = std::vector<std::string>;
+
+    // The buttons that are drawn with the highlight of what is going on.
+    Buttons highlighted() {
+        rig_.pass(0.02);
+        bar_.invalidate();
+        const DrawingRecorder recorder;
+        gui.draw();
+        Buttons found;
+        for (const Drawn& fill : recorder.of_kind(Drawn::fill)) {
+            if (fill.color.r != 128.0F / 255.0F || fill.color.g != 0.0F) continue;
+            found.push_back(button_at(fill.box()));
+        }
+        return found;
+    }
+
+  private:
+    std::string button_at(const rectf& box) const {
+        const std::pair<const char*, const WidgetBase*> buttons[] = {
+            {"previous", bar_.previous}, {"rewind", bar_.rewind},        {"pause", bar_.pause},
+            {"play", bar_.play},         {"forward", bar_.fast_forward}, {"next", bar_.next}};
+        for (const auto& [name, button] : buttons) {
+            const pointf from = FormsRig::in_window(*button, {0, 0});
+            if (box.x == from.x && box.y == from.y && box.w == 30 && box.h == 24) return name;
+        }
+        return "elsewhere";
+    }
+};
+
+TEST_F(TransportBarDrawing, ShowsWhetherTheFilmPlays) {
+    EXPECT_EQ(highlighted(), Buttons{"play"});
+    rig_.player.paused = true;
+    EXPECT_EQ(highlighted(), Buttons{"pause"});
+    rig_.player.open_ = false;
+    EXPECT_EQ(highlighted(), Buttons{});
+    rig_.player.paused = false;
+    EXPECT_EQ(highlighted(), Buttons{});
+}
+
+TEST_F(TransportBarDrawing, NeitherPlaysNorPausesWhileItScans) {
+    for (bool* scan : {&rig_.player.rewinding, &rig_.player.fast_forwarding}) {
+        *scan = true;
+        for (const bool paused : {true, false}) {
+            rig_.player.paused = paused;
+            EXPECT_EQ(highlighted(), Buttons{}) << paused;
+        }
+        *scan = false;
+        EXPECT_EQ(highlighted(), Buttons{"play"}) << "afterwards";
+    }
 }
 
 // What makes the bar be drawn anew, and what does not.

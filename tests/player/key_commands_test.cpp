@@ -2,6 +2,7 @@
 #include "player/key_commands.h"
 
 #include "core/settings.h"
+#include "gui/forms.h"
 #include "platform/window.h"
 #include "player/infolabel.h"
 #include "player/stream.h"
@@ -169,6 +170,33 @@ TEST_F(KeyCommands, F12TogglesFullScreen) {
     press(SDLK_F12);
     EXPECT_FALSE(get_fullscreen());
     set_video_mode(window_width, window_height);
+}
+
+// The menu has forms grow out of its icons; keys have them grow out of their middle, but for the
+// browser, which grows out of where it did before.
+TEST_F(KeyCommands, FormsGrowOutOfTheirMiddle) {
+    formMediaBrowser = new FormMediaBrowser(nullptr);
+    formVideoSettings = new FormVideoSettings;
+    formAudioSettings = new FormAudioSettings;
+    formVideoAdvancedSettings = new FormVideoAdvancedSettings;
+    const pointf elsewhere(-120.0F, 80.0F);
+    const auto check = [&](SDLKey key, FormWidget& form, pointf wanted) {
+        for (const bool shown : {true, false}) {
+            form.scaling_center = elsewhere;
+            press(key);
+            EXPECT_EQ(form.visible && form.animation_state != FormWidget::hiding, shown) << key;
+            EXPECT_EQ(form.scaling_center.x, wanted.x) << key;
+            EXPECT_EQ(form.scaling_center.y, wanted.y) << key;
+        }
+    };
+    check(SDLK_F1, *formMediaBrowser, elsewhere);
+    check(SDLK_F2, *formVideoSettings, -formVideoSettings->bounds.center());
+    check(SDLK_F3, *formAudioSettings, -formAudioSettings->bounds.center());
+    check(SDLK_F4, *formVideoAdvancedSettings, -formVideoAdvancedSettings->bounds.center());
+    formMediaBrowser = nullptr;
+    formVideoSettings = nullptr;
+    formAudioSettings = nullptr;
+    formVideoAdvancedSettings = nullptr;
 }
 
 }  // namespace
