@@ -56,12 +56,25 @@ class Form:
         shrink = min(1, area.w / sum(widths))
         return area.x + shrink * (sum(widths[:index]) + widths[index] / 2), area.y + area.h / 2
 
-    def shown(self, picture, scale=1):
-        """Whether the form is in the picture of the window, all there. Small windows are not for reading."""
+    def _title(self):
+        """Text, left end, lower edge and scale."""
         bar = self.title_bar
         text = f"<{self.title}>"
-        x = bar.x + (bar.w - FONT.width(text) * TITLE) / 2
-        return FONT.shows_scaled(picture, text, *to_window(picture, x, bar.y + bar.h, scale), TITLE * scale) > 0.8
+        return text, bar.x + (bar.w - FONT.width(text) * TITLE) / 2, bar.y + bar.h, TITLE
+
+    def _button(self, text):
+        x, y = self.control(text).middle
+        return text, x - FONT.width(text) * SMALL / 2, y + FONT.line_height * SMALL / 2, SMALL
+
+    def shown(self, picture, scale=1):
+        """Whether the form is in the picture of the window, all there. Small windows are not for reading."""
+        text, x, y, size = self._title()
+        return FONT.shows_scaled(picture, text, *to_window(picture, x, y, scale), size * scale) > 0.8
+
+    def texts_stand_out(self, picture, scale=1):
+        """How much its title and the text of its button "Close" do."""
+        return tuple(FONT.stands_out(picture, text, *to_window(picture, x, y, scale), size * scale)
+                     for text, x, y, size in (self._title(), self._button("Close")))
 
 
 def slider(x, y, w, label=0):

@@ -121,6 +121,19 @@ class ScreenFont:
                 dark += value < 160
         return min(white / strokes, dark / gaps) if strokes and gaps else 0
 
+    def stands_out(self, picture, text, x, y, scale):
+        """How much brighter a text's strokes are than what lies between them, as a share of white. What is half
+        faded is half as bright."""
+        strokes, gaps = [], []
+        for (px, py), coverage in self.covered(text, x, y, scale).items():
+            if not (0 <= px < picture.width and 0 <= py < picture.height):
+                return 0
+            if coverage > 0.8:
+                strokes.append(min(picture.pixel(px, py)) / (255 * coverage * coverage))
+            elif coverage < 0.05:
+                gaps.append(min(picture.pixel(px, py)) / 255)
+        return sum(strokes) / len(strokes) - sum(gaps) / len(gaps) if strokes and gaps else 0
+
     def read_scaled(self, picture, pattern, x, y, scale):
         """The digits that stand in place of the "0" in `pattern`, over a plain dark background. All digits
         are equally wide. None where it is not like that."""
