@@ -17,25 +17,23 @@
 
 #include "media/subtitles.h"
 
+#include <algorithm>
+#include <array>
 #include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 // Ends of drawing and swaps, in their order.
-namespace {
-std::string window_calls;
-}
+static std::string window_calls;
 
 extern "C" {
 void __real_glFinish();
-void __wrap_glFinish();
 void __wrap_glFinish() {
     window_calls += "finish ";
     __real_glFinish();
 }
 void __real_SDL_GL_SwapBuffers();
-void __wrap_SDL_GL_SwapBuffers();
 void __wrap_SDL_GL_SwapBuffers() {
     window_calls += "swap ";
     __real_SDL_GL_SwapBuffers();
@@ -329,17 +327,17 @@ class LargeOverlayDisplay : public OverlayDisplay {
         OverlayDisplay::TearDown();
     }
 
-    // What the picture of the waveforms covers: it is black, the rest of the window dark grey.
-    SDL_Rect covered() {
+    // Left, top, width and height of what the picture of the waveforms covers: it is black, the
+    // rest of the window dark grey.
+    using Area = std::array<int, 4>;
+    Area covered() {
         reset_video_scaling_animation();
         audio_display(&is_);
         std::vector<unsigned char> pixels(std::size_t{4} * width * height);
         glReadBuffer(GL_BACK);
         glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-        int left = width;
-        int right = 0;
-        int top = height;
-        int bottom = 0;
+        int left = width, top = height;
+        int right = 0, bottom = 0;
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {
                 if (pixels[static_cast<std::size_t>(4 * (y * width + x))] != 0) continue;
@@ -349,14 +347,7 @@ class LargeOverlayDisplay : public OverlayDisplay {
                 bottom = std::max(bottom, height - y);
             }
         }
-        return {static_cast<Sint16>(left), static_cast<Sint16>(top),
-                static_cast<Uint16>(right - left), static_cast<Uint16>(bottom - top)};
-    }
-    static void expect_same(const SDL_Rect& found, int x, int y, int w, int h) {
-        EXPECT_EQ(found.x, x);
-        EXPECT_EQ(found.y, y);
-        EXPECT_EQ(found.w, w);
-        EXPECT_EQ(found.h, h);
+        return {left, top, right - left, bottom - top};
     }
 
     static constexpr int width = 1240;
@@ -364,14 +355,14 @@ class LargeOverlayDisplay : public OverlayDisplay {
 };
 
 TEST_F(LargeOverlayDisplay, WaveformsHaveTheSizeThatIsSet) {
-    expect_same(covered(), 60, 5, 1120, 840);
+    EXPECT_EQ(covered(), (Area{60, 5, 1120, 840}));
     master_settings.spatial_zoom.setValue(2);
-    expect_same(covered(), 320, 200, 600, 450);
+    EXPECT_EQ(covered(), (Area{320, 200, 600, 450}));
     master_settings.spatial_upscaling_factor.setValue(1);
-    expect_same(covered(), 20, 0, 1200, 875);
+    EXPECT_EQ(covered(), (Area{20, 0, 1200, 875}));
     master_settings.spatial_upscaling_factor.setValue(0);
     master_settings.spatial_zoom.setValue(3);
-    expect_same(covered(), 20, 0, 1200, 875);
+    EXPECT_EQ(covered(), (Area{20, 0, 1200, 875}));
 }
 
 TEST_F(OverlayDisplay, WithoutSoundThereIsNoWaveform) {
