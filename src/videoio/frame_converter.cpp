@@ -7,6 +7,9 @@ extern "C" {
 #include <libavutil/imgutils.h>
 }
 
+#include <new>
+#include <utility>
+
 namespace {
 
 // The library converts whole groups of pixels, and leaves out those at the end of a row, or writes
@@ -51,11 +54,11 @@ bool FrameConverter::convert(const AVFrame& frame, std::uint8_t* destination) {
 bool FrameConverter::convert_padded(const AVFrame& frame, std::uint8_t* destination) {
     if (!padded_) {
         FramePtr made(av_frame_alloc());
-        if (!made) return false;
+        if (!made) throw std::bad_alloc();
         made->format = format_;
         made->width = (width_ + group - 1) / group * group;
         made->height = height_;
-        if (av_frame_get_buffer(made.get(), 0) < 0) return false;
+        if (av_frame_get_buffer(made.get(), 0) < 0) throw std::bad_alloc();
         padded_ = std::move(made);
     }
     if (sws_scale(scaler_.get(), frame.data, frame.linesize, 0, frame.height, padded_->data,

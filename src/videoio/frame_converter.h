@@ -12,8 +12,8 @@ class FrameConverter {
     /// `format` is the RGB format, `width` and `height` what every frame comes out as.
     void set_output(AVPixelFormat format, int width, int height);
 
-    /// Writes the frame to rows without padding. Returns false when its pixels cannot be converted
-    /// or memory runs out.
+    /// Writes the frame to rows without padding. Returns false when the library makes no converter
+    /// of its pixels, and throws std::bad_alloc when there is no memory for the rows in between.
     bool convert(const AVFrame& frame, std::uint8_t* destination);
 
   private:
