@@ -33,7 +33,6 @@ extern "C" {
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string_view>
 
 int display_refresh_rate = 0;
 
@@ -129,7 +128,7 @@ bool open_gl() {
 
 // The format to open `name` with; false, with a message, when it cannot be opened at all.
 bool find_format(const char* name, const AVInputFormat** format) {
-    if (std::string_view(name).starts_with("cam:")) {
+    if (is_camera_name(name)) {
         *format = camera_format(name);
         if (*format) return true;
         std::fprintf(stderr, "Failed to open: '%s'!\n", name);

@@ -6,6 +6,7 @@
 #include "gpu/gl_context.h"
 #include "gpu/picture_upload.h"
 #include "gpu/texture_cache.h"
+#include "media/capture_formats.h"
 #include "media/subtitles.h"
 #include "player/clocks.h"
 #include "player/demux.h"
@@ -21,7 +22,6 @@ std::atomic<VideoState*> global_video_state{nullptr};
 namespace {
 
 constexpr std::size_t longest_name = 1023;
-constexpr std::string_view camera_prefix = "cam:";
 
 // Late events may carry any of the states that were open while SDL's queue of 127 events filled.
 constexpr std::size_t records_kept = 128;
@@ -65,7 +65,7 @@ void read_camera_name(VideoState* is, std::string_view text) {
 
 void read_name(VideoState* is, std::string_view name) {
     is->filename = name.substr(0, longest_name);
-    is->is_camera = name.starts_with(camera_prefix);
+    is->is_camera = is_camera_name(name);
     if (is->is_camera) read_camera_name(is, name.substr(camera_prefix.size()));
 }
 

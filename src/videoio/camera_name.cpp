@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "videoio/camera_name.h"
 
+#include "media/capture_formats.h"
+
 #include <algorithm>
 
 namespace {
-
-constexpr std::string_view prefix = "cam:";
 
 // The text up to a character, which is passed over as well; all of it where there is none.
 std::string_view take_until(std::string_view& text, char end) {
@@ -17,12 +17,8 @@ std::string_view take_until(std::string_view& text, char end) {
 
 }  // namespace
 
-bool is_camera_name(std::string_view name) {
-    return name.starts_with(prefix);
-}
-
 bool parse_camera_name(std::string_view text, CameraName& camera) {
-    text.remove_prefix(std::min(prefix.size(), text.size()));
+    text.remove_prefix(std::min(camera_prefix.size(), text.size()));
     const std::size_t first = text.find_first_of(",\"");
     const bool quoted = first != std::string_view::npos && text[first] == '"';
     if (quoted) text.remove_prefix(first + 1);

@@ -12,9 +12,6 @@ struct CameraName {
     std::vector<std::pair<std::string, std::string>> options;  ///< key and value, in order
 };
 
-/// Whether a name stands for a camera: it begins with "cam:".
-bool is_camera_name(std::string_view name);
-
 /// Takes apart the name of a camera: after "cam:" a device, in double quotes when it has commas,
 /// and options of the form key=value after commas. Returns false when nothing follows the double
 /// quote.

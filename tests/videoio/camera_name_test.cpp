@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "videoio/camera_name.h"
 
+#include "media/capture_formats.h"
+
 #include <gtest/gtest.h>
 
 namespace {
