@@ -31,7 +31,7 @@ SDL_Thread* pThread = nullptr;
 
 // Held by [main] in every call and by the worker while it makes an end of the lock above; taken
 // before that, never after it.
-std::mutex life;
+std::mutex life_mutex;
 std::atomic<bool> making{false};
 std::atomic<int> waiting{0};
 
@@ -98,7 +98,7 @@ void evict_one() {
 void ThumbnailDatabase::Start() {
     if (pThread && !bAbort) return;
     Join();
-    const std::lock_guard alive(life);
+    const std::lock_guard alive(life_mutex);
     bAbort = false;
     tMutex = make_mutex();
     tCond = make_cond();
@@ -111,7 +111,7 @@ void ThumbnailDatabase::Abort() {
     // for it here. Any other has the lock for a moment only, and a signal sent between its look at
     // the flag and its wait would be lost.
     if (making) return;
-    const std::lock_guard alive(life);
+    const std::lock_guard alive(life_mutex);
     if (!tMutex) return;
     const MutexLock lock(tMutex);
     SDL_CondSignal(tCond.get());
@@ -124,7 +124,7 @@ void ThumbnailDatabase::Join() {
 
 Thumbnail ThumbnailDatabase::Lookup(std::string path, bool request) {
     assert_thread(ThreadRole::main);
-    const std::lock_guard alive(life);
+    const std::lock_guard alive(life_mutex);
     ++waiting;
     const MutexLock lock(tMutex);
     --waiting;
@@ -161,7 +161,7 @@ void ThumbnailDatabase::Delete(Thumbnail& t) {
 }
 
 void ThumbnailDatabase::Clear() {
-    const std::lock_guard alive(life);
+    const std::lock_guard alive(life_mutex);
     const MutexLock lock(tMutex);
     for (auto& entry : thumbCache)
         Delete(entry.second);
@@ -180,7 +180,7 @@ int ThumbnailDatabase::ThreadProc(void* /*unused*/) {
         SDL_mutexP(tMutex.get());
     }
     SDL_mutexV(tMutex.get());
-    const std::lock_guard alive(life);
+    const std::lock_guard alive(life_mutex);
     tMutex.reset();
     tCond.reset();
     return 0;

@@ -67,12 +67,12 @@ Requests& requests() {
     return all;
 }
 
-std::mutex posting;
-bool refreshes_held = false;  // guarded by `posting`
+std::mutex posting_mutex;
+bool refreshes_held = false;  // guarded by `posting_mutex`
 
 // Posts a refresh unless one is waiting. Returns false when SDL's queue was full.
 bool post_refresh() {
-    const std::lock_guard lock(posting);
+    const std::lock_guard lock(posting_mutex);
     if (refreshes_held) return true;
     if (refresh_scheduled.exchange(true)) return true;
     if (push_event(event_refresh, global_video_state)) return true;
@@ -114,7 +114,7 @@ void hasten_refresh() {
 }
 
 void hold_refreshes(bool held) {
-    const std::lock_guard lock(posting);
+    const std::lock_guard lock(posting_mutex);
     refreshes_held = held;
 }
 
