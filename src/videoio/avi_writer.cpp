@@ -26,7 +26,7 @@ constexpr std::uint32_t dots_per_metre = 2952;  // 75 per inch
 constexpr std::size_t piece_bytes = std::size_t{128} * 1024;
 
 // What a 32-bit signed field holds of a number.
-std::uint32_t field(float value) {
+std::uint32_t clamped_field(float value) {
     constexpr auto most = std::numeric_limits<std::int32_t>::max();
     if (!(value > 0.0F)) return 0;
     if (value >= static_cast<float>(most)) return most;
@@ -76,7 +76,7 @@ bool AviWriter::Close() {
     write_at(total_frames_position_, frame_count_);
     // The count times the rate field, not the count: readers of these files know it so.
     const float length = static_cast<float>(frame_count_) * fps_ * 1000.0F;
-    write_at(length_position_, field(length));
+    write_at(length_position_, clamped_field(length));
     const bool failed = std::ferror(file_) != 0;
     const bool closed = std::fclose(file_) == 0;
     file_ = nullptr;
@@ -144,9 +144,9 @@ void AviWriter::WriteHeaderList() {
 
 void AviWriter::WriteMainHeader() {
     PushChunk("avih");
-    write_int32(field(1000000.0F / fps_));  // microseconds per frame
-    write_int32(0);                         // most bytes per second
-    write_int32(0);                         // padding
+    write_int32(clamped_field(1000000.0F / fps_));  // microseconds per frame
+    write_int32(0);                                 // most bytes per second
+    write_int32(0);                                 // padding
     write_int32(has_index);
     total_frames_position_ = position();
     write_int32(0);
@@ -169,7 +169,7 @@ void AviWriter::WriteStreamHeader() {
     write_int16(0);  // language
     write_int32(0);  // initial frames
     write_int32(rate_scale);
-    write_int32(field(fps_ * 1000.0F));
+    write_int32(clamped_field(fps_ * 1000.0F));
     write_int32(0);  // start
     length_position_ = position();
     write_int32(0);

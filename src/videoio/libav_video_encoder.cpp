@@ -2,9 +2,9 @@
 #include "videoio/libav_video_encoder.h"
 
 #include "media/error_text.h"
+#include "videoio/codec_threads.h"
 #include "videoio/error_message.h"
 #include "videoio/output_container.h"
-#include "videoio/video_decoder.h"
 
 extern "C" {
 #include <libavutil/avstring.h>
@@ -176,7 +176,7 @@ bool VYX_LibAVVideoEncoder::prepare_scaler(VYX_WriteFrameArgs& args) {
 // The scaler reads whole groups of pixels, beyond the end of a row and of the frame: it gets a copy
 // with room there. Colours of an odd width are made of the last pixel and the one after it, which
 // has to be the same.
-void VYX_LibAVVideoEncoder::take(const std::uint8_t* data) {
+void VYX_LibAVVideoEncoder::copy_frame(const std::uint8_t* data) {
     const int row = av_image_get_linesize(source_format_, source_->width, 0);
     av_image_copy_plane(source_->data[0], source_->linesize[0], data, row, row, source_->height);
     const int pixel = row / source_->width;
@@ -188,7 +188,7 @@ void VYX_LibAVVideoEncoder::take(const std::uint8_t* data) {
 }
 
 bool VYX_LibAVVideoEncoder::convert(VYX_WriteFrameArgs& args) {
-    take(static_cast<const std::uint8_t*>(args.data));
+    copy_frame(static_cast<const std::uint8_t*>(args.data));
     int result = av_frame_make_writable(destination_.get());
     if (result >= 0) {
         result = sws_scale(scaler_.get(), source_->data, source_->linesize, 0, source_->height,

@@ -28,7 +28,7 @@ class VYX_LibAVVideoEncoder : public VYX_VideoEncoder {
 
     bool accept(VYX_WriteFrameArgs& args) const;
     bool prepare_scaler(VYX_WriteFrameArgs& args);
-    void take(const std::uint8_t* data);
+    void copy_frame(const std::uint8_t* data);
     bool convert(VYX_WriteFrameArgs& args);
     std::int64_t next_pts(double seconds);
     int encode(const AVFrame* frame);

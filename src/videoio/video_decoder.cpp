@@ -6,18 +6,17 @@
 #include "media/error_text.h"
 #include "media/packet_time.h"
 #include "videoio/camera_name.h"
+#include "videoio/codec_threads.h"
 #include "videoio/error_message.h"
 #include "videoio/film_description.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <thread>
 #include <utility>
 
 namespace {
 
-constexpr int most_threads = 4;  // every one holds pictures
 constexpr int most_fruitless_packets = 1000;
 constexpr std::int64_t longest_decoding_delay = std::int64_t{10} * AV_TIME_BASE;
 
@@ -35,11 +34,6 @@ bool ticks_of(double seconds, std::int64_t& ticks) {
 }
 
 }  // namespace
-
-int codec_threads() {
-    const auto processors = static_cast<int>(std::thread::hardware_concurrency());
-    return std::clamp(processors, 1, most_threads);
-}
 
 VYX_VideoDecoder::VYX_VideoDecoder(VYX_OpenVideoArgs* args) : VYX_BaseClass(decoder_kind) {
     open(*args);

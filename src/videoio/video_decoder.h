@@ -72,6 +72,3 @@ class VYX_VideoDecoder : public VYX_BaseClass {
     bool rewound_ = false;                 ///< by a seek: times begin anew
     std::optional<KeyPacket> key_packet_;  ///< where decoding is to begin
 };
-
-/// How many threads decode or encode one film.
-int codec_threads();
