@@ -4,13 +4,15 @@
 
    fail_allocations(n, whose) makes every n-th one fail from now on, of all threads together; 0 ends
    that. `whose` is 0 for those that libvyxvideo.so asks for, itself or through the C++ library or
-   as an object of FFmpeg's, and 1 for every allocation of the process. failed_allocations() tells
-   how many did. With OBJECTS_ONLY nothing but objects of FFmpeg's fails. */
+   as an object of FFmpeg's, and 1 for every allocation of the process; with 2 it is the library's
+   locks that fail, as something else than memory. failed_allocations() tells how many did. With
+   OBJECTS_ONLY nothing but objects of FFmpeg's and locks fails. */
 
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>
 #include <link.h>
+#include <pthread.h>
 #include <stdatomic.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -20,7 +22,8 @@ void fail_allocations(unsigned every, int whose);
 unsigned failed_allocations(void);
 
 static atomic_uint every_nth, counted, failed;
-static int of_all;
+enum { of_library, of_process, locks_of_library };
+static int failing;
 
 /* Where the code of the library and that of the C++ library lie. */
 enum { most_ranges = 16 };
@@ -57,7 +60,7 @@ void fail_allocations(unsigned every, int whose) {
     if (range_count == 0) dl_iterate_phdr(note_ranges, NULL);
     counted = 0;
     failed = 0;
-    of_all = whose;
+    failing = whose;
     every_nth = every;
 }
 
@@ -65,18 +68,27 @@ unsigned failed_allocations(void) {
     return failed;
 }
 
-static int runs_out_for(const void* caller, int cpp_too) {
+static int fails_for(const void* caller, int cpp_too) {
     const unsigned every = every_nth;
-    if (every == 0 || (!of_all && !is_ours(caller, cpp_too))) return 0;
+    if (every == 0 || (failing != of_process && !is_ours(caller, cpp_too))) return 0;
     if (++counted % every != 0) return 0;
     ++failed;
+    return 1;
+}
+
+static int object_fails(const void* caller) {
+    return failing == of_library && fails_for(caller, 0);
+}
+
+#ifndef OBJECTS_ONLY
+
+static int runs_out_for(const void* caller) {
+    if (failing == locks_of_library || !fails_for(caller, 1)) return 0;
     errno = ENOMEM;
     return 1;
 }
 
-#define RUNS_OUT runs_out_for(__builtin_return_address(0), 1)
-
-#ifndef OBJECTS_ONLY
+#define RUNS_OUT runs_out_for(__builtin_return_address(0))
 
 /* The next library's function of this name, looked up at the first call. */
 #define NEXT(type, name, ...)         \
@@ -140,21 +152,21 @@ void free(void* memory) {
 #endif
 
 /* Objects of FFmpeg's that the library asks for. */
-#define OBJECT(type, name, parameters, arguments)                              \
-    type name parameters;                                                      \
-    type name parameters {                                                     \
-        static type(*next) parameters;                                         \
-        if (!next) next = (type(*) parameters)dlsym(RTLD_NEXT, #name);         \
-        if (!of_all && runs_out_for(__builtin_return_address(0), 0)) return 0; \
-        return next arguments;                                                 \
+#define OBJECT(type, name, parameters, arguments)                      \
+    type name parameters;                                              \
+    type name parameters {                                             \
+        static type(*next) parameters;                                 \
+        if (!next) next = (type(*) parameters)dlsym(RTLD_NEXT, #name); \
+        if (object_fails(__builtin_return_address(0))) return 0;       \
+        return next arguments;                                         \
     }
-#define STEP(name, parameters, arguments)                                            \
-    int name parameters;                                                             \
-    int name parameters {                                                            \
-        static int(*next) parameters;                                                \
-        if (!next) next = (int(*) parameters)dlsym(RTLD_NEXT, #name);                \
-        if (!of_all && runs_out_for(__builtin_return_address(0), 0)) return -ENOMEM; \
-        return next arguments;                                                       \
+#define STEP(name, parameters, arguments)                              \
+    int name parameters;                                               \
+    int name parameters {                                              \
+        static int(*next) parameters;                                  \
+        if (!next) next = (int(*) parameters)dlsym(RTLD_NEXT, #name);  \
+        if (object_fails(__builtin_return_address(0))) return -ENOMEM; \
+        return next arguments;                                         \
     }
 
 OBJECT(void*, av_frame_alloc, (void), ())
@@ -181,3 +193,11 @@ STEP(avcodec_send_frame, (void* codec, const void* frame), (codec, frame))
 STEP(avcodec_receive_packet, (void* codec, void* packet), (codec, packet))
 STEP(av_interleaved_write_frame, (void* container, void* packet), (container, packet))
 STEP(av_write_trailer, (void* container), (container))
+
+/* The C++ library throws std::system_error then. */
+int pthread_mutex_lock(pthread_mutex_t* mutex) {
+    static int (*next)(pthread_mutex_t*);
+    if (!next) next = (int (*)(pthread_mutex_t*))dlsym(RTLD_NEXT, "pthread_mutex_lock");
+    const int ours = failing == locks_of_library;
+    return ours && fails_for(__builtin_return_address(0), 0) ? EINVAL : next(mutex);
+}

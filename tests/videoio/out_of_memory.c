@@ -1,11 +1,12 @@
 /* SPDX-License-Identifier: MIT */
 /* out_of_memory FOLDER N WHOSE [FILM...]: reads and writes films while every N-th allocation fails,
-   of the interface's own (WHOSE is 0) or of the whole process (1), and does the same once more with
-   memory. In the whole process only uncompressed films are written: FFmpeg 5.1 itself does not
-   survive every failure. Run with the allocator that can fail loaded before it.
+   of the interface's own (WHOSE is 0) or of the whole process (1), or every N-th lock of the
+   interface's (2), and does the same once more without failures. In the whole process only
+   uncompressed films are written: FFmpeg 5.1 itself does not survive every failure. Run with the
+   allocator that can fail loaded before it.
 
-   Prints the number of failed allocations and what the interface said. Status 0 when every failure
-   came with a message and everything works afterwards. */
+   Prints each message once as it came up first, and the numbers of failures and frames. Status 0
+   when every failure came with a message and everything works afterwards. */
 
 #include "vyx/video.h"
 
@@ -18,9 +19,27 @@ unsigned failed_allocations(void);
 
 static int wrong;
 
+enum { most_lines = 128 };
+static char lines[most_lines][VYX_TEXT_SIZE + 32];
+static int line_count;
+
+/* What a call said, without line ends, unless it has said so before. */
+static void print_new(const char* call, const char* message) {
+    char* line = lines[line_count];
+    snprintf(line, sizeof lines[0], "%s: %.*s", call, (int)strcspn(message, "\n"), message);
+    for (int i = 0; i < line_count; ++i) {
+        if (strcmp(lines[i], line) == 0) return;
+    }
+    if (line_count < most_lines - 1) ++line_count;
+    puts(line);
+}
+
 /* A result and its message belong together. */
 static void check(int result, const char* message, const char* call) {
-    if ((result != 0) == (message[0] != '\0') && memchr(message, '\0', VYX_TEXT_SIZE)) return;
+    if ((result != 0) == (message[0] != '\0') && memchr(message, '\0', VYX_TEXT_SIZE)) {
+        if (result != 0) print_new(call, message);
+        return;
+    }
     printf("%s gave %d with \"%.511s\"\n", call, result, message);
     wrong = 1;
 }
@@ -72,7 +91,7 @@ static int read_frames(void) {
     memset(&seek, 0, sizeof seek);
     seek.size = sizeof seek;
     seek.handle = film.handle;
-    seek.seek_time = 1.0;
+    seek.seek_time = 0.4;
     for (int i = 0; i < 24; ++i) {
         if (i == 12) check(seek_frame(&seek), seek.errorMsg, "seek_frame");
         const int result = read_frame(&in);
@@ -124,7 +143,7 @@ static int work(const char* folder, int outputs_used, int films, char** names) {
 int main(int argc, char** argv) {
     if (argc < 4) return 2;
     const int whose = atoi(argv[3]);
-    const int outputs_used = whose ? 1 : 3;
+    const int outputs_used = whose == 1 ? 1 : 3;
     const int films = argc - 4;
     fail_allocations((unsigned)atoi(argv[2]), whose);
     const int frames = work(argv[1], outputs_used, films, argv + 4);
