@@ -38,16 +38,19 @@ TEST_P(EqualToFfmpeg, FrameByFrame) {
     EXPECT_FALSE(expected.next(frame)) << "ffmpeg has more than " << frames;
 }
 
-INSTANTIATE_TEST_SUITE_P(Clips, EqualToFfmpeg,
-                         ::testing::Values("mpeg1.mpg", "mpeg2.mpg", "mpeg4.avi", "mpeg4_nob.avi",
-                                           "mpeg4_qpel.mp4", "h264.mp4", "h264.mkv", "h264_nob.mp4",
-                                           "hevc.mkv", "hevc_open_gop.mkv", "vp9.webm", "mjpeg.avi",
-                                           "q7_h263.avi", "q7_wmv2.avi", "odd_853x481.mkv",
-                                           "size_1x1.mkv", "size_16x8.mkv", "wide_4000.mp4",
-                                           "ten_bit.mkv", "chroma_422.mkv", "rgb.mkv", "grey.mkv",
-                                           "raw.h264", "raw.m4v", "size_change.ts",
-                                           "aspect_anamorphic.mkv"),
-                         film_test_name_of<std::string>);
+INSTANTIATE_TEST_SUITE_P(
+    Clips, EqualToFfmpeg,
+    ::testing::Values("mpeg1.mpg", "mpeg2.mpg", "mpeg4.avi", "mpeg4_nob.avi", "mpeg4_qpel.mp4",
+                      "h264.mp4", "h264.mkv", "h264_nob.mp4", "one_key.mp4", "late_start.ts",
+                      "hevc.mkv", "hevc_open_gop.mkv", "vp9.webm", "mjpeg.avi", "q5_mpeg2.mpg",
+                      "q7_mpeg4.avi", "q7_msmpeg4v2.avi", "q7_msmpeg4.avi", "q7_wmv1.avi",
+                      "q7_wmv2.avi", "q7_h263.avi", "q7_flv.avi", "qp30_h264.mp4",
+                      "moving_mpeg2.mpg", "moving_mpeg4.avi", "moving_qpel.avi", "moving_h264.mp4",
+                      "odd_853x481.mkv", "size_1x1.mkv", "size_16x8.mkv", "wide_4000.mp4",
+                      "ten_bit.mkv", "chroma_422.mkv", "rgb.mkv", "grey.mkv", "raw.h264", "raw.m4v",
+                      "size_change.ts", "aspect_anamorphic.mkv", "broken_sound.mkv",
+                      "undecodable_sound.mkv", "sound_gap.mkv", "chirps.mkv"),
+    film_test_name_of<std::string>);
 
 INSTANTIATE_TEST_SUITE_P(CameraFilms, EqualToFfmpeg,
                          ::testing::Values(std::string(samples) + "movie1/VID_20191220_170832.mp4",
