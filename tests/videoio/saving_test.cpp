@@ -4,6 +4,10 @@
 #include "videoio/avi_bytes.h"
 #include "videoio/video_fixture.h"
 
+extern "C" {
+#include <libavutil/log.h>
+}
+
 #include <cmath>
 #include <limits>
 
@@ -307,6 +311,28 @@ TEST_F(Saving, NamesOf511Characters) {
         }
         EXPECT_EQ(ReadFilm(path).all().size(), 1U) << codec;
     }
+}
+
+int messages_heard = 0;
+
+void count_message(void* /*context*/, int /*level*/, const char* /*format*/,
+                   va_list /*arguments*/) {
+    ++messages_heard;
+}
+
+TEST_F(Saving, UncompressedFilmsLeaveFfmpegAlone) {
+    av_log_set_level(AV_LOG_INFO);
+    av_log_set_callback(count_message);
+    const auto write_film = [this](const char* codec) {
+        WrittenFilm film(save_args(folder_.path("film.avi"), codec, 64, 32));
+        EXPECT_EQ(film.frame(Bytes(64 * 32 * 3, 7), 0.0), 0) << film.write.errorMsg;
+    };
+    write_film("avi");
+    EXPECT_EQ(messages_heard, 0);
+    EXPECT_EQ(av_log_get_level(), AV_LOG_INFO) << "it is set for films that FFmpeg writes";
+    write_film("mpeg4");
+    EXPECT_GT(messages_heard, 0) << "it says something of each";
+    av_log_set_callback(av_log_default_callback);
 }
 
 }  // namespace
