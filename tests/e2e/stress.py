@@ -7,7 +7,7 @@ import tempfile
 import time
 
 from hand import ADVANCED, AUDIO, BUTTONS, FONT, ICONS, NEUTRAL, POSITION, VIDEO, VOLUME, Box, Hand
-from support import CAMERA, FILM, PATIENCE, SCREEN_HEIGHT, SCREEN_WIDTH, clip, wait_for
+from support import CAMERA, FILM, PATIENCE, SCREEN_HEIGHT, SCREEN_WIDTH, wait_for
 
 # Every codec and container, odd sizes, sound alone, films of which little or nothing can be read.
 SMALL = ("h264.mp4", "mpeg4.avi", "mpeg1.mpg", "mpeg2.mpg", "mpeg4_qpel.mp4", "hevc.mkv", "vp9.webm", "mjpeg.avi",

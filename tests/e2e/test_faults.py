@@ -7,7 +7,7 @@ import tempfile
 import time
 import unittest
 
-from support import PATIENCE, PlayerTestCase, clip, number_in, preloaded, wait_for
+from support import PATIENCE, PlayerTestCase, clip, preloaded, wait_for
 
 FAULTS = os.environ["FAULTS"]
 SANITIZED = PATIENCE > 1  # sanitizers keep their own allocator: of memory, only what C++ asks for fails

@@ -10,7 +10,7 @@ import unittest
 from films import Films, seconds_in
 from hand import (ADVANCED, AUDIO, BUTTONS, FONT, ICONS, NEUTRAL, POSITION, SMALL, TRANSPORT, VIDEO, VOLUME, Cursor,
                   Hand, menu_shown, scale_of, to_window, transport_shown)
-from support import PATIENCE, PlayerTestCase, clip, number_in, wait_for
+from support import PATIENCE, PlayerTestCase, clip, wait_for
 
 NEAR_EDGE = (-390, 0)
 BROWSER_CLOSE = (-400 + 170, -300 + 572)
