@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sampling between texel centres, with the edges repeated. Four plain reads instead of a filtered
 // one: drivers filter 8-bit textures with weights of 8 bits, which is coarser than what is computed
 // here.

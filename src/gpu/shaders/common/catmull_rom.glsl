@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sampling by the bicubic of Catmull and Rom (a = -0.5), which passes through the texels: at the
 // centre of a texel it is that texel. 16 plain reads: drivers filter 8-bit textures with weights of
 // 8 bits, and the outer weights would magnify that error.

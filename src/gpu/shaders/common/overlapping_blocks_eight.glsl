@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture between two others at a place in the current one; the programs say how.
 vec2 vector_of(vec2 block)
 {

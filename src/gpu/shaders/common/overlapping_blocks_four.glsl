@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture between two others at a place in the current one; the programs say how.
 vec4 overlapping_blocks(vec2 st)
 {
