@@ -18,12 +18,6 @@ using MeyerTable = std::array<std::array<float, meyer_taps>, meyer_filters>;
 /// The table that the noise reduction uses, computed by the compiler. Any thread.
 extern const MeyerTable meyer_wavelet_filters;
 
-/// The response of one filter (0 … 6) at a bin from 0 (the mean) to 128 (Nyquist).
-constexpr double meyer_response(int filter, int bin);
-
-/// The taps of one filter before they are rounded to single precision.
-constexpr std::array<double, meyer_taps> meyer_filter(int filter);
-
 namespace meyer_detail {
 
 inline constexpr double pi = 3.14159265358979323846;
@@ -50,8 +44,8 @@ constexpr double cosine_of_bin(int j) {
     return second_quadrant ? -c : c;
 }
 
-/// Low-pass `i` falls from 1 to 0 between half its edge and its edge: 127, then 127 / 4, / 8 …
-/// / 64.
+/// The response of low-pass `i` (0 … 5) at a bin: it falls from 1 to 0 between half its edge and
+/// its edge. The edges are the bins 127, 127/4, 127/8, 127/16, 127/32 and 127/64.
 constexpr double low_pass(int i, int bin) {
     if (bin == nyquist) return 0.0;
     const double high = 127.0 / (i == 0 ? 1 : 2 << i);
@@ -65,6 +59,7 @@ constexpr double low_pass(int i, int bin) {
 
 }  // namespace meyer_detail
 
+/// The response of one filter (0 … 6) at a bin from 0 (the mean) to 128 (Nyquist).
 constexpr double meyer_response(int filter, int bin) {
     using namespace meyer_detail;
     const bool at_nyquist = bin == nyquist;
@@ -73,6 +68,7 @@ constexpr double meyer_response(int filter, int bin) {
     return low_pass(filter - 1, bin) - low_pass(filter, bin);
 }
 
+/// The taps of one filter (0 … 6) before they are rounded to single precision.
 constexpr std::array<double, meyer_taps> meyer_filter(int filter) {
     using namespace meyer_detail;
     std::array<double, meyer_taps> cosines{};

@@ -25,6 +25,8 @@ struct DirectoryListing {
     int directories = 0;
 };
 
+/// Reads a folder. Links count as what they lead to; neither pipes nor devices are opened. Any
+/// thread.
 DirectoryListing list_directory(const std::string& path);
 
 /// The extension of a file's name or path, dot included, as `_splitpath` has it.
@@ -34,7 +36,7 @@ std::string get_extension(const std::string& path);
 /// among them.
 bool is_media_name(const std::string& name);
 
-/// `name` in `directory`.
+/// The path of `name` in `directory`, with one separator between them. Neither has to exist.
 std::string joined_path(const std::string& directory, const std::string& name);
 
 /// The real path of the folder `name` in `directory`, links resolved. Where that cannot be told

@@ -15,16 +15,17 @@ struct SdlCondDeleter {
     void operator()(SDL_cond* cond) const { SDL_DestroyCond(cond); }
 };
 
-/// An SDL mutex and its owner.
+/// An SDL mutex that ends with its owner. Nobody may hold it then. It is held by a `MutexLock`.
 using MutexPtr = std::unique_ptr<SDL_mutex, SdlMutexDeleter>;
-/// An SDL condition variable and its owner.
+/// An SDL condition variable that ends with its owner. Nobody may wait for it then.
 using CondPtr = std::unique_ptr<SDL_cond, SdlCondDeleter>;
 
-/// Never null: memory that runs out throws, as it does everywhere.
+/// A new one. Never null: memory that runs out throws std::bad_alloc. Any thread.
 inline MutexPtr make_mutex() {
     MutexPtr made(SDL_CreateMutex());
     return made ? std::move(made) : throw std::bad_alloc();
 }
+/// The same for condition variables.
 inline CondPtr make_cond() {
     CondPtr made(SDL_CreateCond());
     return made ? std::move(made) : throw std::bad_alloc();
