@@ -18,15 +18,14 @@
 #include "gui/gl_font.h"
 #include "gui/player_control.h"
 #include "gui/screen.h"
+#include "measure.h"
 #include "media/thumbnail_database.h"
 #include "platform/swap_interval.h"
 #include "platform/window.h"
 
 #include <SDL.h>
-#include <sys/resource.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -39,8 +38,6 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr int width = 800;
 constexpr int height = 600;
 constexpr int different_pictures = 64;
@@ -50,16 +47,7 @@ constexpr double new_patience = 60.0;  // seconds
 double ms_of(const std::function<void()>& work) {
     const auto start = Clock::now();
     work();
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-double processor_ms() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto ms = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_usec) / 1e3;
-    };
-    return ms(usage.ru_utime) + ms(usage.ru_stime);
+    return ms_since(start);
 }
 
 struct Spread {
@@ -254,7 +242,7 @@ void measure_new(const Films& films) {
     redraw();
     std::vector<double> times;
     const auto begun = Clock::now();
-    const auto passed = [&] { return std::chrono::duration<double>(Clock::now() - begun).count(); };
+    const auto passed = [&] { return ms_since(begun) / 1e3; };
     for (int i = 0; pictures.seen.size() < new_films && passed() < new_patience; ++i) {
         const double part = std::abs(std::fmod(i / 200.0, 2.0) - 1.0);
         browser->list->scroll({0.0F, browser->list->scroll_max.y * static_cast<float>(part)}, true);

@@ -9,40 +9,20 @@
 
 #include "gpu/gl_context.h"
 #include "gui/gl_font.h"
+#include "measure.h"
 #include "platform/window.h"
 
 #include "gui/forms_rig.h"
 
 #include <GL/glew.h>
-#include <time.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr int rounds = 400;
-
-double ms_since(Clock::time_point start) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-// Of this thread alone.
-double processor_ms() {
-    timespec t{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-    return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) / 1e6;
-}
-
-double median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + rounds / 2, values.end());
-    return values[rounds / 2];
-}
 
 struct Cost {
     double call;
@@ -57,10 +37,10 @@ Cost measure(Prepare prepare, Draw draw) {
         glClear(GL_COLOR_BUFFER_BIT);
         glFinish();
         prepare();
-        const Clock::time_point start = Clock::now();
-        const double before = processor_ms();
+        const auto start = Clock::now();
+        const double before = thread_ms();
         draw();
-        call.push_back(processor_ms() - before);
+        call.push_back(thread_ms() - before);
         glFinish();
         drawn.push_back(ms_since(start));
     }

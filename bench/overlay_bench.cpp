@@ -12,6 +12,7 @@
 #include "gpu/no_signal.h"
 #include "gpu/video_display.h"
 #include "gpu/waveform_display.h"
+#include "measure.h"
 #include "media/subtitles.h"
 #include "platform/window.h"
 #include "player/display.h"
@@ -22,7 +23,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -32,18 +32,6 @@
 #include <vector>
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-double ms_since(Clock::time_point start) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2),
-                     values.end());
-    return values[values.size() / 2];
-}
 
 double best(const std::vector<double>& values) {
     return *std::min_element(values.begin(), values.end());

@@ -11,6 +11,7 @@
 // averaged over a second. What it leaves out: the way from the device's buffer to the ear.
 
 #include "audio/allocation_counter.h"
+#include "measure.h"
 #include "player/audio_output.h"
 #include "player/clocks.h"
 #include "player/command_line.h"
@@ -26,7 +27,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <thread>
 #include <vector>
 
@@ -56,20 +56,13 @@ std::atomic<std::int64_t> quiet_until{0};  // wall time: nothing is measured bef
 int speed_index = normal_speed_index;
 bool events = false;
 
-double thread_ms() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
 void measured_callback(void* userdata, Uint8* stream, int len) {
-    using Clock = std::chrono::steady_clock;
     const long allocations = heap_allocations();
     const double cpu = thread_ms();
     const auto start = Clock::now();
     audio_callback(userdata, stream, len);
-    const std::chrono::duration<double, std::milli> wall = Clock::now() - start;
-    calls.push_back({wall.count(), thread_ms() - cpu, heap_allocations() - allocations});
+    const double wall = ms_since(start);
+    calls.push_back({wall, thread_ms() - cpu, heap_allocations() - allocations});
 }
 
 bool open_device(SDL_AudioSpec* spec) {

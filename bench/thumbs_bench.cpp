@@ -8,6 +8,7 @@
 // 24-bit RGB in memory 192 pixels wide at most. One line per film and one for all: milliseconds,
 // median and largest. What it leaves out: disks, and making a texture of the picture.
 
+#include "measure.h"
 #include "media/thumbnail_database.h"
 #include "media/thumbnail_maker.h"
 #include "media/thumbnail_size.h"
@@ -17,7 +18,6 @@
 #endif
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
@@ -25,13 +25,12 @@
 namespace {
 
 double milliseconds_of(bool (*work)(const char*), const char* film) {
-    const auto start = std::chrono::steady_clock::now();
+    const auto start = Clock::now();
     if (!work(film)) {
         std::fprintf(stderr, "%s: no thumbnail\n", film);
         std::exit(1);
     }
-    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
-    return time.count();
+    return ms_since(start);
 }
 
 bool ours(const char* film) {
@@ -64,12 +63,6 @@ struct Times {
         peers.insert(peers.end(), more.peers.begin(), more.peers.end());
     }
 };
-
-double median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
 
 double largest(const std::vector<double>& values) {
     return *std::max_element(values.begin(), values.end());
