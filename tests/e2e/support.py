@@ -23,6 +23,13 @@ SCREEN_WIDTH, SCREEN_HEIGHT = 1280, 1024
 BITS = 8
 
 
+
+def version():
+    """Of the project, which the banner tells."""
+    with open(os.path.join(os.path.dirname(__file__), "../../CMakeLists.txt"), encoding="utf-8") as lists:
+        return re.search(r"project\(vyx VERSION (\S+)", lists.read()).group(1)
+
+
 def clip(name):
     return os.path.join(MEDIA, name)
 

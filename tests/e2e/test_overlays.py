@@ -7,7 +7,7 @@ import tempfile
 import unittest
 
 from screen_font import ScreenFont
-from support import PlayerTestCase, clip, number_in, wait_for
+from support import PlayerTestCase, clip, number_in, version, wait_for
 
 FONT = ScreenFont()
 WHITE = 0.9  # of the strokes, where a text is shown
@@ -35,7 +35,7 @@ class Overlays(PlayerTestCase):
 
     def test_label_appears_fades_and_goes(self):
         player = self.start(clip("h264.mp4"))
-        player.look_until(lambda shot: FONT.shows(shot, "VYX Player v1.01", 50, 50) > WHITE
+        player.look_until(lambda shot: FONT.shows(shot, "VYX Player v" + version(), 50, 50) > WHITE
                           and FONT.shows(shot, "High quality", 50, 50 + FONT.line_height) > WHITE,
                           "the banner")
         player.look_until(lambda shot: label_brightness(shot) <= 5, "the banner to go")

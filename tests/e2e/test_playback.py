@@ -6,7 +6,8 @@ import tempfile
 import time
 import unittest
 
-from support import CAMERA, FILM, PATIENCE, Display, Player, PlayerTestCase, clip, compare_with_film, fitted, wait_for
+from support import (CAMERA, FILM, PATIENCE, Display, Player, PlayerTestCase, clip, compare_with_film, fitted, version,
+                     wait_for)
 
 
 class Playback(PlayerTestCase):
@@ -22,7 +23,7 @@ class Playback(PlayerTestCase):
                 self.assertGreaterEqual(plain, 28.0, f"frame {frame}")
                 self.assertGreaterEqual(exact, 34.0, f"frame {frame}")
                 self.assertEqual(player.quit(), 0)
-                self.assertIn("VYX Player v1.01\nHigh quality media player\n", player.output())
+                self.assertIn(f"VYX Player v{version()}\nHigh quality media player\n", player.output())
 
     def film_frame_on_screen(self, player, film, size):
         """Pauses the film somewhere after its first frames; which one is shown, and how well."""

@@ -29,6 +29,9 @@ def read(*path):
         return file.read()
 
 
+VERSION = re.search(r"project\(vyx VERSION (\S+)", read(SOURCE, "CMakeLists.txt")).group(1)
+
+
 def png_size(path):
     with open(path, "rb") as file:
         head = file.read(24)

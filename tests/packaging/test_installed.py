@@ -8,7 +8,7 @@ import subprocess
 import sys
 import unittest
 
-from installed_tree import BUILD, MEDIA, PREFIX, SOURCE, Installed, InstalledTestCase, read, run
+from installed_tree import BUILD, MEDIA, PREFIX, SOURCE, VERSION, Installed, InstalledTestCase, read, run
 
 os.environ["VYX_BIN"] = "vyx"  # each test names its own
 sys.path.insert(0, os.path.join(SOURCE, "tests", "e2e"))
@@ -46,11 +46,11 @@ class Tree(InstalledTestCase):
             own = name == "vyx-video-selftest" and PREFIX != "/usr"
             self.assertEqual(len(paths), 1 if own else 0, (name, paths))
             self.assertTrue(all(path.startswith("$ORIGIN/../lib") for path in paths), paths)
-        self.assertNotIn("PATH", dynamic_section(self.installed.find("libvyxvideo.so.1.01")))
+        self.assertNotIn("PATH", dynamic_section(self.installed.find("libvyxvideo.so." + VERSION)))
 
     def test_is_stripped(self):
         for name in (*(self.installed.path("bin", program) for program in PROGRAMS),
-                     self.installed.find("libvyxvideo.so.1.01")):  # fmt: skip
+                     self.installed.find("libvyxvideo.so." + VERSION)):  # fmt: skip
             self.assertNotIn(".debug_info", run("readelf", "-S", "-W", name))
 
     def test_components_are_disjoint_and_everything(self):
@@ -81,7 +81,7 @@ class Tree(InstalledTestCase):
 class Programs(InstalledTestCase):
     def environment(self):
         # Where it lies in the end the system finds the library.
-        library = os.path.dirname(self.installed.find("libvyxvideo.so.1.01"))
+        library = os.path.dirname(self.installed.find("libvyxvideo.so." + VERSION))
         return dict(os.environ, LD_LIBRARY_PATH=library) if PREFIX == "/usr" else dict(os.environ)
 
     def path(self, name):
@@ -105,7 +105,7 @@ class Programs(InstalledTestCase):
         program = re.search(r"(?s)\n\.EX\n(.*?)\n\.EE", page).group(1).replace("\\en", "\\n")
         with open(self.path("times.c"), "w", encoding="ascii") as file:
             file.write(program + "\n")
-        library = os.path.dirname(self.installed.find("libvyxvideo.so.1.01"))
+        library = os.path.dirname(self.installed.find("libvyxvideo.so." + VERSION))
         run("cc", "-std=c99", "-pedantic", "-Wall", "-Wextra", "-Werror", "-I" + self.installed.path("include"),
             self.path("times.c"), "-L" + library, "-lvyxvideo", f"-Wl,-rpath,{library}", "-o", self.path("times"))  # fmt: skip
         said = run(self.path("times"), os.path.join(MEDIA, "h264_nob.mp4")).splitlines()

@@ -8,7 +8,7 @@ import re
 import subprocess
 import unittest
 
-from installed_tree import PACKAGING, SOURCE, InstalledTestCase, enhance_options, player_options, read, run
+from installed_tree import PACKAGING, SOURCE, VERSION, InstalledTestCase, enhance_options, player_options, read, run
 
 PAGES = ("vyx.1", "vyx-enhance.1", "vyx-video-selftest.1", "vyxvideo.3")
 FUNCTIONS = {
@@ -58,10 +58,9 @@ class Manual(InstalledTestCase):
             self.assertEqual((result.returncode, result.stderr), (0, ""), page)
 
     def test_version(self):
-        version = re.search(r"project\(vyx VERSION (\S+)", read(SOURCE, "CMakeLists.txt")).group(1)
         for page in PAGES:
-            self.assertRegex(source(page), rf'(?m)^\.TH \S+ \d \d{{4}}-\d\d-\d\d "VYX {re.escape(version)}" ')
-        self.assertTrue(read(PACKAGING, "debian", "changelog").startswith(f"vyx ({version}) "))
+            self.assertRegex(source(page), rf'(?m)^\.TH \S+ \d \d{{4}}-\d\d-\d\d "VYX {re.escape(VERSION)}" ')
+        self.assertTrue(read(PACKAGING, "debian", "changelog").startswith(f"vyx ({VERSION}) "))
 
     def test_nothing_is_left_to_fill_in(self):
         for page in PAGES:

@@ -3,6 +3,7 @@
 """The library as other programs see it: installed into a prefix of its own, with its examples."""
 
 import os
+import re
 import struct
 import subprocess
 import sys
@@ -14,6 +15,9 @@ BUILD = os.environ["VYX_BUILD"]
 MEDIA = os.environ["VYX_TEST_MEDIA"]
 SANITIZE = os.environ.get("VYX_SANITIZE", "").split()  # flags of the compiler
 PYTHON_PRELOAD = os.environ.get("VYX_PYTHON_PRELOAD", "")  # what an interpreter needs with these
+
+with open(os.path.join(os.path.dirname(__file__), "../../CMakeLists.txt"), encoding="utf-8") as lists:
+    VERSION = re.search(r"project\(vyx VERSION (\S+)", lists.read()).group(1)
 
 INTERFACE = {
     "open_video", "close_video", "read_frame", "seek_frame", "save_video", "write_frame",
@@ -105,7 +109,7 @@ class Installed(unittest.TestCase):
 
     def test_c_example_with_pkg_config(self):
         env = dict(os.environ, PKG_CONFIG_PATH=os.path.join(self.lib, "pkgconfig"))
-        self.assertEqual(run("pkg-config", "--modversion", "vyxvideo", env=env), "1.01\n")
+        self.assertEqual(run("pkg-config", "--modversion", "vyxvideo", env=env), VERSION + "\n")
         program = self.build_grey()
         self.check_grey(program, "h264_nob.mp4", self.path("grey.mkv"))
         self.check_grey(program, "hevc_open_gop.mkv", self.path("deep.mp4"))
