@@ -7,6 +7,7 @@
 #include "gpu/enhancement_chain.h"
 #include "gpu/gl_bindings.h"
 #include "gpu/video_overlays.h"
+#include "platform/threads.h"
 
 namespace {
 
@@ -152,6 +153,7 @@ void clear_window(int width, int height) {
 }
 
 bool display_picture(const DisplayView& view) {
+    assert_thread(ThreadRole::main);
     if (shows_all_of_it(view)) {
         view.step = false;
         view.phase_fraction = 1.0F;

@@ -3,6 +3,7 @@
 
 #include "gui/graphics.h"
 #include "gui/widget_container.h"
+#include "platform/threads.h"
 
 #include <GL/glew.h>
 
@@ -13,6 +14,7 @@ constexpr float pixel_centre = 0.5F;
 }  // namespace
 
 void draw_gui() {
+    assert_thread(ThreadRole::main);
     glEnable(GL_LINE_SMOOTH);
     translate_transform(pixel_centre, pixel_centre);
     gui.draw();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "player/audio_decoder.h"
 
+#include "platform/threads.h"
 #include "player/audio_resampling.h"
 #include "player/clocks.h"
 
@@ -119,6 +120,7 @@ CodecContextPtr open_audio_decoder(const AVStream* stream) {
 }
 
 int audio_decode_frame(VideoState* is, std::uint8_t* buf, int capacity, double* pts_out) {
+    assert_thread(ThreadRole::audio);
     const int filled = SampleSource(is).fill();
     if (filled <= 0) return filled;
     AudioOutput& out = *is->audio;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "player/clocks.h"
 
+#include "platform/threads.h"
+
 extern "C" {
 #include <libavutil/mathematics.h>
 #include <libavutil/time.h>
@@ -57,6 +59,7 @@ double get_master_clock(const VideoState* is) {
 }
 
 double synchronize_video(VideoState* is, int repeat_pict, double frame_delay, double pts) {
+    assert_thread(ThreadRole::video);
     double clock = is->video_clock;
     if (pts == 0.0) {  // NOLINT: exactly 0 stands for "not known"
         pts = clock;

@@ -4,6 +4,7 @@
 #include "gpu/drawing_pieces.h"
 #include "gui/forms.h"
 #include "gui/gui_environment.h"
+#include "platform/threads.h"
 #include "platform/window.h"
 #include "player/infolabel.h"
 #include "player/key_commands.h"
@@ -105,6 +106,7 @@ bool DoubleClickDetected(Uint32 ticks) {
 }
 
 bool handle_event(const SDL_Event& event) {
+    assert_thread(ThreadRole::main);
     VideoState* is = global_video_state;
     if (event.type < SDL_USEREVENT && event.type != SDL_MOUSEMOTION) note_activity();
     switch (event.type) {

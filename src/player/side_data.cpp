@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "player/side_data.h"
 
+#include "platform/threads.h"
+
 extern "C" {
 #include <libavutil/motion_vector.h>
 #include <libavutil/video_enc_params.h>
@@ -118,6 +120,7 @@ bool vectors_allow_frame_threads(AVCodecID codec) {
 }
 
 void read_motion_vectors(VideoPicture* slot, const AVFrame* frame, AVCodecID codec) {
+    assert_thread(ThreadRole::video);
     slot->block_width = slot->block_height = cell;
     slot->grid_width = 2 * ((frame->width + 15) / 16);
     slot->grid_height = 2 * ((frame->height + 15) / 16);
@@ -135,6 +138,7 @@ void read_motion_vectors(VideoPicture* slot, const AVFrame* frame, AVCodecID cod
 }
 
 void read_quantization_table(VideoPicture* slot, const AVFrame* frame, AVCodecID codec) {
+    assert_thread(ThreadRole::video);
     slot->quantization_table.allocate(slot->grid_height, slot->grid_width);
     AVVideoEncParams* parameters = parameters_of(frame);
     slot->quantization_table.fill(parameters ? quantiser(parameters->qp, codec) : 1);

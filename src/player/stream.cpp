@@ -8,6 +8,7 @@
 #include "gpu/texture_cache.h"
 #include "media/capture_formats.h"
 #include "media/subtitles.h"
+#include "platform/threads.h"
 #include "player/clocks.h"
 #include "player/demux.h"
 #include "player/still_picture.h"
@@ -137,6 +138,7 @@ bool retire(const VideoState* is) {
 
 VideoState* stream_open(const char* name, const char* title, const AVInputFormat* format,
                         const StreamOptions& options) {
+    assert_thread(ThreadRole::main);
     auto owner = std::make_unique<VideoState>();
     VideoState* is = owner.get();
     read_name(is, name);
@@ -163,6 +165,7 @@ VideoState* stream_open(const char* name, const char* title, const AVInputFormat
 }
 
 void stream_close(VideoState* is) {
+    assert_thread(ThreadRole::main);
     if (!is || !stream_is_open(is)) return;
     end_demux_thread(is);
     free_pictures(is);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "core/settings.h"
 #include "gpu/gl_texture.h"
+#include "platform/threads.h"
 #include "player/audio_output.h"
 #include "player/clocks.h"
 #include "player/demux.h"
@@ -87,6 +88,7 @@ AVStream* stream_at(const VideoState* is, int index) {
 }  // namespace
 
 int stream_component_open(VideoState* is, int stream_index) {
+    assert_thread(ThreadRole::demux);
     AVStream* stream = stream_at(is, stream_index);
     if (!stream) return -1;
     switch (stream->codecpar->codec_type) {
@@ -100,6 +102,7 @@ int stream_component_open(VideoState* is, int stream_index) {
 }
 
 void stream_component_close(VideoState* is, int stream_index) {
+    assert_thread(ThreadRole::demux);
     if (!stream_at(is, stream_index)) return;
     if (stream_index == is->video_stream_index) {
         is->video_stream_index = -1;
