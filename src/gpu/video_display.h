@@ -9,32 +9,32 @@
 /// What one redraw of the window works with. The player fills it from the open film; nothing in it
 /// is owned. [main]
 struct DisplayView {
-    int screen_width;
-    int screen_height;
+    int screen_width = 0;
+    int screen_height = 0;
 
     /// The picture queue: `picture_slots` slots, the one to show, and how many are queued from
     /// there. With none queued the last picture stays.
-    VideoPicture* slots;
-    int read_index;
-    int queued;
+    VideoPicture* slots = nullptr;
+    int read_index = 0;
+    int queued = 0;
     /// The slot prepared last, -1 for none. Written by the display.
     int& shown_index;
 
-    bool paused;
-    bool rewind;
-    bool fast_forward;
+    bool paused = false;
+    bool rewind = false;
+    bool fast_forward = false;
     /// Asks for one refresh of a paused picture, without interpolation. Cleared when it is done.
     bool& step;
 
-    bool pixel_buffers;  ///< pictures travel through pixel-buffer objects
-    bool show_motion_vectors;
-    bool show_quantization;
+    bool pixel_buffers = false;  ///< pictures travel through pixel-buffer objects
+    bool show_motion_vectors = false;
+    bool show_quantization = false;
 
-    int phase_step;         ///< sub-frames of the picture shown before this one
+    int phase_step = 0;     ///< sub-frames of the picture shown before this one
     float& phase_fraction;  ///< position between the pictures in free-running mode, 0 to T
 
-    PostprocessingCallback hook;
-    int playback_speed_index;
+    PostprocessingCallback hook = nullptr;
+    int playback_speed_index = 0;
     PictureSource& source;
 
     object_ref<gl_texture_resource>& staging;  ///< packed YUV on its way to RGB
