@@ -55,6 +55,8 @@ bool init_sdl() {
     // Without it the compatibility library lists modes larger than the screen and draws the window
     // through a framebuffer of its own.
     putenv(scaling_off);
+    // Nobody types text here: the rules for composing letters need not be read (16 ms measured).
+    setenv("XCOMPOSEFILE", "/dev/null", 0);
     if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_TIMER | SDL_INIT_NOPARACHUTE) != 0) {
         std::fprintf(stderr, "Could not initialize SDL - %s\n", SDL_GetError());
         return false;
