@@ -4,7 +4,7 @@
 #include "player/video_state.h"
 
 /// The first file of a run is opened on a thread of its own while the window and OpenGL come up, so
-/// that the demuxing thread finds its streams known (measured: 12 to 25 ms sooner on the screen).
+/// that the demuxing thread finds its streams known.
 /// Only ordinary files are: whatever else has a name may block, or be a device.
 
 /// Starts to open `name`, unless one is under way; once in a run, as one film can be interrupted.
