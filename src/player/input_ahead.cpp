@@ -33,6 +33,7 @@ bool is_ordinary_file(const char* name) {
 }
 
 void open_and_probe() {
+    set_thread_role(ThreadRole::demux);  // it does the beginning of that thread's work
     AVFormatContext* context = avformat_alloc_context();
     if (!context) return;
     context->interrupt_callback = {is_given_up, nullptr};
