@@ -14,6 +14,8 @@ namespace {
 constexpr Uint32 retry_ms = 10;
 constexpr std::int64_t scan_step = 1000000;      // microseconds
 constexpr std::int64_t scan_patience = 1000000;  // microseconds
+// Longer than key pictures of broadcasts usually are apart.
+constexpr std::int64_t search_run_up = 3000000;  // microseconds
 
 AVStream* stream_at(const VideoState* is, int index) {
     return index >= 0 ? is->format_context->streams[index] : nullptr;
@@ -40,6 +42,14 @@ std::int64_t within_file(const AVFormatContext* context, std::int64_t target) {
     return std::max(target, known ? context->start_time : 0);
 }
 
+// Whether positions are found by looking for time stamps in the file: what is found is any picture
+// then, and the next key picture may come much later.
+bool is_searched(const VideoState* is) {
+    const AVInputFormat* format = is->format_context->iformat;
+    return is->video_stream_index >= 0 && (format->flags & AVFMT_TS_DISCONT) &&
+           !(format->flags & (AVFMT_NOBINSEARCH | AVFMT_GENERIC_INDEX));
+}
+
 void restart_queues(VideoState* is, std::int64_t target) {
     is->seek_target = target;
     is->last_seek_failed = false;
@@ -57,10 +67,12 @@ void restart_queues(VideoState* is, std::int64_t target) {
 
 }  // namespace
 
-bool seek_file(VideoState* is, std::int64_t target, int flags, bool try_backwards) {
+bool seek_file(VideoState* is, std::int64_t target, int flags, bool try_backwards, bool early) {
     AVFormatContext* context = is->format_context.get();
     const int index = reference_stream(is);
     target = within_file(context, target);
+    const bool at_start = target <= context->start_time;
+    if ((early || at_start) && is_searched(is)) target -= search_run_up;
     const AVStream* stream = stream_at(is, index);
     const std::int64_t timestamp =
         stream ? av_rescale_q(target, av_get_time_base_q(), stream->time_base) : target;
@@ -95,7 +107,7 @@ bool carry_out_seek(VideoState* is) {
     if (is == global_video_state) {
         subtitles.seek(static_cast<unsigned long>(time_in_film(is, target)));
     }
-    const bool found = seek_file(is, target, flags, !forward);
+    const bool found = seek_file(is, target, flags, !forward, exactly);
     if (found) {
         is->discard_before = exactly ? target : nothing_to_discard;
         restart_queues(is, target);

@@ -64,6 +64,30 @@ TEST_F(SeekingTest, TargetBeforeTheStartIsTheStart) {
     }
 }
 
+// Without an index: a key picture per second, or two per second, and none is to be missed.
+TEST_F(SeekingTest, BroadcastsBeginAgainWithTheirFirstPicture) {
+    for (const char* name : {"late_start.ts", "mpeg2.mpg", "mpeg1.mpg"}) {
+        VideoState* is = open(name);
+        const double first = take(is, 60).front().pts;
+        stream_seek(is, 0, 0);  // as at the end of a film that is played again
+        EXPECT_NEAR(first_picture_after_seek(is), first, 0.001) << name;
+        stream_close(is);
+    }
+}
+
+TEST_F(SeekingTest, BroadcastsAreSoughtExactly) {
+    for (const char* name : {"late_start.ts", "mpeg2.mpg", "mpeg1.mpg"}) {
+        VideoState* is = open(name);
+        const double first = take(is, 60).front().pts;
+        for (const double place : {2.0, 0.6, 3.3}) {
+            is->seek_exactly = true;
+            stream_seek(is, is->start_time + static_cast<std::int64_t>(place * 1e6), 0);
+            EXPECT_NEAR(first_picture_after_seek(is), first + place, 0.1) << name << " " << place;
+        }
+        stream_close(is);
+    }
+}
+
 TEST_F(SeekingTest, NoPositionLiesBeforeTheStart) {
     for (const char* name : {"h264.mp4", "mpeg2.mpg"}) {
         VideoState* is = open(name);
