@@ -5,7 +5,7 @@ import os
 import time
 import unittest
 
-from support import PATIENCE, PlayerTestCase, number_in
+from support import PATIENCE, PlayerTestCase, number_in, wait_for
 
 FAKE_CAMERA = os.environ["FAKE_CAMERA"]
 
@@ -54,8 +54,7 @@ class Camera(PlayerTestCase):
     def test_device_that_is_not_there(self):
         player = self.film("cam:/dev/video7")
         player.window()
-        time.sleep(1.0 * PATIENCE)
-        self.assertIn("Cannot display file /dev/video7!", player.output())
+        wait_for(lambda: "Cannot display file /dev/video7!" in player.output(), 10, "the message")
         self.assertEqual(player.quit(), 0)
 
 
