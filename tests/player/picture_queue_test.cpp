@@ -187,4 +187,20 @@ TEST_F(PictureQueueTest, StrayRequestForStorageDoesNothing) {
     EXPECT_TRUE(is->pictures[0].ready);
 }
 
+TEST(OutdatedPicture, IsNotQueuedAndWaitsForNoSlot) {
+    VideoState state;
+    state.picture_queue_mutex = make_mutex();
+    state.picture_queue_cond = make_cond();
+    packet_queue_init(&state.video_queue);
+    state.seeks_done = 1;
+    FramePtr frame(av_frame_alloc());
+    for (const int queued : {0, 3}) {  // three are as many as there may be
+        state.picture_queue_size = queued;
+        EXPECT_EQ(queue_picture(&state, frame, 1.0, 0), 1);
+        EXPECT_EQ(state.picture_queue_size, queued);
+        EXPECT_EQ(state.picture_queue_windex, 0);
+    }
+    packet_queue_end(&state.video_queue);
+}
+
 }  // namespace

@@ -6,7 +6,10 @@
 #include "player/video_refresh.h"
 #include "support/player_fixture.h"
 
+#include <atomic>
+#include <chrono>
 #include <random>
+#include <thread>
 
 namespace {
 
@@ -108,6 +111,25 @@ TEST_F(SeekingTest, NoPositionLiesBeforeTheStart) {
             << name;
         stream_close(is);
     }
+}
+
+TEST_F(SeekingTest, RequestWakesTheReader) {
+    VideoState state;
+    state.demux_mutex = make_mutex();
+    state.demux_cond = make_cond();
+    std::atomic<bool> waits = false;
+    std::thread reader([&] {
+        constexpr Uint32 patience_ms = 20000;
+        MutexLock lock(state.demux_mutex);
+        waits = true;
+        if (!state.seek_request) lock.wait_for(state.demux_cond, patience_ms);
+    });
+    while (!waits)
+        std::this_thread::yield();
+    const auto asked = std::chrono::steady_clock::now();
+    stream_seek(&state, 1000000, 0);
+    reader.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::seconds(10));
 }
 
 TEST_F(SeekingTest, SecondRequestIsDropped) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What one refresh does.
+#include "player/display.h"
 #include "player/refresh_fixture.h"
 
 namespace {
@@ -116,6 +117,22 @@ TEST_F(VideoRefreshTest, PicturesFromBeforeASeekGo) {
     refresh(&is_);
     EXPECT_EQ(is_.shown_picture, 2);
     EXPECT_EQ(middle(), grey(2));
+}
+
+int draws = 0;
+
+TEST_F(VideoRefreshTest, OldPictureIsNotDrawnAgainAfterAJump) {
+    queue(2);
+    is_.seeks_done = 1;
+    draws = 0;
+    set_swap_observer([](VideoState*, std::int64_t) { ++draws; });
+    refresh(&is_);
+    EXPECT_EQ(is_.picture_queue_size, 0);
+    EXPECT_TRUE(is_.starved);
+    EXPECT_EQ(draws, 0) << "the new one is on its way";
+    refresh(&is_);
+    EXPECT_EQ(draws, 1) << "unless it takes long";
+    set_swap_observer(nullptr);
 }
 
 }  // namespace
