@@ -244,8 +244,10 @@ void apply_start_values(const PlayVideoArgs& args) {
 int play_video(PlayVideoArgs* args) {
     set_thread_role(ThreadRole::main);
     av_log_set_level(AV_LOG_ERROR);
+    if (!init_sdl()) return 1;
+    // Not sooner: SDL starts a program to look for a message bus, and what runs between fork and
+    // exec may wait for ever for a lock that another thread held.
     open_input_ahead(args->filename);
-    if (!init_sdl()) return give_up();
     // What comes in before the event loop runs must not fill the queue: the wish to quit has to
     // fit.
     SDL_EventState(SDL_MOUSEMOTION, SDL_IGNORE);
