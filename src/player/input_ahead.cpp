@@ -73,7 +73,11 @@ InputAhead take_input_ahead(VideoState* is) {
 void forget_input_ahead() {
     const std::lock_guard lock(ahead_mutex);
     if (!opener.joinable()) return;
+    // What the library says when it is broken off concerns nobody.
+    const int level = av_log_get_level();
+    av_log_set_level(AV_LOG_QUIET);
     unwanted = true;
     opener.join();
     opened_input.reset();
+    av_log_set_level(level);
 }
