@@ -32,6 +32,9 @@ class StillPictureTest : public VideoRefreshTest {
         hold_refreshes(false);
         schedule_refresh_later(nullptr, 30);
         await_refresh();
+        // Waits until the timer has let go of SDL's queue, which the end of the process destroys.
+        hold_refreshes(true);
+        hold_refreshes(false);
         VideoRefreshTest::TearDown();
     }
 
