@@ -12,12 +12,14 @@
 
 namespace {
 
-std::mutex ahead_mutex;  // guards the three below; the thread writes its results before it ends
+// Guards all of this but the atomics. The thread itself takes no lock: it reads the name and writes
+// its results before anybody who joined it looks at them.
+std::mutex ahead_mutex;
 std::thread opener;
 std::string opened_name;
 FormatInputPtr opened_input;
-
 bool is_readable = false;
+
 std::atomic<bool> unwanted{false};
 // Whose it became. The library keeps the callback for as long as it has the file open.
 std::atomic<VideoState*> owner{nullptr};
