@@ -9,8 +9,10 @@
 
 namespace {
 
-GLsizeiptr buffer_bytes(const VideoPicture& pic) {
-    return static_cast<GLsizeiptr>(pic.width) * 3 * pic.height;
+// What a picture takes in that form; YUV 4:2:0 is half of RGB, and of even sizes.
+GLsizeiptr buffer_bytes(const VideoPicture& pic, BufferForm form) {
+    const GLsizeiptr rgb = static_cast<GLsizeiptr>(pic.width) * 3 * pic.height;
+    return form == BufferForm::rgb ? rgb : rgb / 2;
 }
 
 // Replaces the texels of `tex` from `data`, an offset when a pixel buffer is bound.
@@ -84,18 +86,24 @@ void upload_motion_vectors(VideoPicture& pic) {
 void make_pixel_buffer(VideoPicture& pic) {
     delete_pixel_buffer(pic);
     glGenBuffers(1, &pic.pbo);
-    glBindBuffer(GL_PIXEL_UNPACK_BUFFER, pic.pbo);
-    glBufferData(GL_PIXEL_UNPACK_BUFFER, buffer_bytes(pic), nullptr, GL_STREAM_DRAW);
-    glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
 }
 
 void delete_pixel_buffer(VideoPicture& pic) {
     if (pic.pbo) glDeleteBuffers(1, &pic.pbo);
     pic.pbo = 0;
+    pic.pbo_bytes = 0;
 }
 
 void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, BufferForm form) {
+    const GLsizeiptr bytes = buffer_bytes(pic, form);
+    const bool fits = pic.pbo_bytes == bytes;
+    // A new one: where memory is short, the old one could be mapped, and be too small.
+    if (!fits) make_pixel_buffer(pic);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, pic.pbo);
+    if (!fits) {
+        glBufferData(GL_PIXEL_UNPACK_BUFFER, bytes, nullptr, GL_STREAM_DRAW);
+        pic.pbo_bytes = bytes;
+    }
     if (void* memory = glMapBuffer(GL_PIXEL_UNPACK_BUFFER, GL_WRITE_ONLY)) {
         source.fill_picture(pic, static_cast<std::uint8_t*>(memory), form);
         glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER);

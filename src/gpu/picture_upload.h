@@ -11,8 +11,8 @@ class PictureSource {
   public:
     virtual ~PictureSource() = default;
 
-    /// Writes the picture into memory of width x 3 x height bytes, in rows of width x 3 bytes for
-    /// RGB and of width bytes for the two forms of YUV.
+    /// Writes the picture into memory of width x 3 x height bytes in rows of width x 3 for RGB, and
+    /// of half of that in rows of width for the two forms of YUV.
     virtual void fill_picture(const VideoPicture& pic, std::uint8_t* destination,
                               BufferForm form) = 0;
 
@@ -21,12 +21,13 @@ class PictureSource {
     virtual double master_clock() = 0;
 };
 
-/// Makes the pixel-unpack buffer of a slot of `width` x `height`; deletes it. [main]
+/// Makes the pixel-unpack buffer of a slot, which has no memory before it is filled; deletes it. [main]
 void make_pixel_buffer(VideoPicture& pic);
 void delete_pixel_buffer(VideoPicture& pic);
 
-/// Fills the slot's pixel buffer from the source. The slot counts as filled also when the buffer
-/// could not be mapped. [main]
+/// Fills the slot's pixel buffer from the source; it gets the memory that a picture of `width` x
+/// `height` takes in that form. The slot counts as filled also when the buffer could not be mapped.
+/// [main]
 void fill_pixel_buffer(VideoPicture& pic, PictureSource& source, BufferForm form);
 
 /// What an upload works with besides the picture.

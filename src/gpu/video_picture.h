@@ -85,8 +85,10 @@ struct VideoPicture {
     /// The vectors, a texel per cell: the cell's own and those of the next cell below on the right.
     object_ref<gl_texture_resource> motion;
 
-    /// Pixel-unpack buffer of width x 3 x height bytes, 0 for none.
+    /// Pixel-unpack buffer, 0 for none.
     GLuint pbo = 0;
+    /// Its size: width x 3 x height bytes for RGB, half of that for YUV; 0 until it is filled.
+    GLsizeiptr pbo_bytes = 0;
     /// The picture can be converted on the GPU: planar YUV 4:2:0 of even width and height.
     bool yuv_direct = false;
     /// How `pbo` holds it, once it is filled.

@@ -25,7 +25,7 @@ void alloc_picture(VideoState* is);
 void fill_picture(VideoState* is, const AVFrame& frame, std::uint8_t* destination, int row_bytes,
                   bool yuv);
 
-/// Writes the picture of a slot into its buffer, width x 3 x height bytes. Any thread that owns the
-/// slot.
+/// Writes the picture of a slot into its buffer: width x 3 x height bytes of RGB, half of that of
+/// YUV. Any thread that owns the slot.
 void fill_picture(VideoState* is, const VideoPicture& pic, std::uint8_t* destination,
                   BufferForm form);

@@ -229,8 +229,8 @@ TEST_F(DisplayEffects, PlanesGoStraightToTheWindow) {
             pic.height = size.height;
             make_pixel_buffer(pic);
             glBindBuffer(GL_PIXEL_UNPACK_BUFFER, pic.pbo);
-            glBufferSubData(GL_PIXEL_UNPACK_BUFFER, 0, static_cast<GLsizeiptr>(bytes.size()),
-                            bytes.data());
+            glBufferData(GL_PIXEL_UNPACK_BUFFER, static_cast<GLsizeiptr>(bytes.size()),
+                         bytes.data(), GL_STREAM_DRAW);
             glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
             DirectPlanes planes;
             upload_planes(pic, planes);

@@ -101,6 +101,31 @@ TEST_F(VideoDisplayTest, EveryPictureIsFilledOnceAndOnlyWhileQueued) {
     EXPECT_EQ(source_.fills.size(), 4U);
 }
 
+// RGB takes twice the memory of YUV 4:2:0, and four slots of large pictures many megabytes.
+TEST_F(VideoDisplayTest, BuffersAreAsLargeAsWhatTheyHold) {
+    const auto size_of_buffer = [&](int slot) {
+        GLint bytes = -1;
+        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, slots_[static_cast<std::size_t>(slot)].pbo);
+        glGetBufferParameteriv(GL_PIXEL_UNPACK_BUFFER, GL_BUFFER_SIZE, &bytes);
+        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+        return bytes;
+    };
+    VideoPicture& pic = queue(0, 50);
+    const int rgb = pic.width * 3 * pic.height;
+    EXPECT_EQ(size_of_buffer(0), 0) << "nothing is in it yet";
+    display(0, 1);
+    EXPECT_EQ(size_of_buffer(0), rgb / 2);
+    master_settings.offload_decoding.setValue(0);
+    queue(1, 60);
+    display(1, 1);
+    EXPECT_EQ(size_of_buffer(1), rgb);
+    master_settings.offload_decoding.setValue(1);
+    queue(1, 70);
+    display(1, 1);
+    EXPECT_EQ(size_of_buffer(1), rgb / 2);
+    EXPECT_NEAR(middle(), converted(70), 2);
+}
+
 TEST_F(VideoDisplayTest, UnfinishedSlotIsNotShown) {
     queue(0, 50);
     display(0, 1);
