@@ -151,6 +151,9 @@ int queue_picture(VideoState* is, FramePtr& frame, double pts, int seeks) {
     slot.sample_aspect = sample_aspect(is, *frame);
     read_motion_vectors(&slot, frame.get(), is->video_codec->codec_id);
     is->quantisers.read(&slot, frame.get(), is->video_codec->codec_id);
+    // They are in the slot now: their memory is free for those of the next picture.
+    av_frame_remove_side_data(frame.get(), AV_FRAME_DATA_MOTION_VECTORS);
+    av_frame_remove_side_data(frame.get(), AV_FRAME_DATA_VIDEO_ENC_PARAMS);
     store(is, slot, frame);
     slot.pts = pts;
     slot.seeks = seeks;
