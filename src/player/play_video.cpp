@@ -40,7 +40,7 @@ int display_refresh_rate = 0;
 namespace {
 
 // One heap for all threads, since each film has threads of its own, and the C library gives each
-// thread a heap that keeps blocks as large as pictures: measured after 160 films, 84 MB, and 66 MB
+// thread a heap that keeps blocks as large as pictures: measured after 160 films, 84 MB, and 67 MB
 // with this. Blocks up to this size and this surplus stay in the heap, for the vectors and
 // quantisers of a picture: new memory for each of them was 6 % of the time of a film of 1080p.
 constexpr int mapped_block_bytes = 3 * 1024 * 1024;
