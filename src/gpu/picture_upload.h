@@ -21,7 +21,8 @@ class PictureSource {
     virtual double master_clock() = 0;
 };
 
-/// Makes the pixel-unpack buffer of a slot, which has no memory before it is filled; deletes it. [main]
+/// Makes the pixel-unpack buffer of a slot, which has no memory before it is filled; deletes it.
+/// [main]
 void make_pixel_buffer(VideoPicture& pic);
 void delete_pixel_buffer(VideoPicture& pic);
 
