@@ -12,7 +12,7 @@ inline constexpr int window_length = 16;
 /// neighbours'.
 using WindowTable = std::array<std::array<float, 4>, window_length>;
 
-/// The windows over a block of `size` texels, 1 to 16: ramps that reach 1 in the middle.
+/// The windows over a block of `size` texels, even, 2 to 16: ramps that reach 1 in the middle.
 WindowTable window_table(int size);
 
 /// The first three columns in a row, as a program takes them.

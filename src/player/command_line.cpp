@@ -25,7 +25,7 @@ const option long_options[] = {
     {nullptr, 0, nullptr, 0},
 };
 
-// The option's number; what is no number counts as the lower bound.
+// The option's number; words count as 0, not-a-number as the lower bound.
 float number(const char* text, double scale, double lower, double upper) {
     const double value = std::atof(text) * scale;
     if (!(value > lower)) return static_cast<float>(lower);

@@ -50,5 +50,5 @@ void do_exit();
 /// Applies the values of the record that are not 0 to the settings.
 void apply_start_values(const PlayVideoArgs& args);
 
-/// Refreshes per second of the display, as read at the last `reshape`. [main]
+/// Refreshes per second of the display: 60, whatever the display, once `reshape` has run. [main]
 extern int display_refresh_rate;

@@ -167,7 +167,7 @@ CLIPS = {
     "tones_75s.mkv": numbered(seconds=75) + ["-f", "lavfi", "-i", "aevalsrc=exprs='0.4*sin(2*PI*t*440)|0.4*sin(2*PI*t*660)'"
                                           ":c=stereo:s=48000:d=75"]
     + MPEG4 + ["-g", "25", "-c:a", "aac"],
-    # For measuring: the film without its sound, long enough for a minute.
+    # For measuring: the film over and over, long enough for a minute.
     "film_720p.mp4": None,
     # Key frames with pictures around them that refer to both sides, in 10 bits.
     "hevc_open_gop.mkv": numbered() + ["-c:v", "libx265", "-preset", "ultrafast", "-pix_fmt", "yuv420p10le",
