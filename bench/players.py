@@ -128,7 +128,11 @@ def first_picture(screen, command):
         time.sleep(0.002)
     passed = time.monotonic() - start
     process.send_signal(signal.SIGTERM)
-    process.wait()
+    try:
+        process.wait(5)
+    except subprocess.TimeoutExpired:  # ffplay, once in a while
+        process.kill()
+        process.wait()
     while screen.is_bright():
         time.sleep(0.01)
     return passed
