@@ -91,7 +91,8 @@ TEST_F(FormDrawingTest, HasNoListBeforeItIsDrawn) {
 TEST_F(FormDrawingTest, ItsListIsLeftAloneOnceTheDisplayIsClosed) {
     // Closing the window here would take it from every later test of the process. ctest gives each
     // test a process of its own, so that this one runs there.
-    if (SDL_WasInit(SDL_INIT_VIDEO)) GTEST_SKIP() << "an earlier test of this process opened it";
+    if (SDL_WasInit(SDL_INIT_VIDEO))
+        GTEST_SKIP() << "needs a process without a window, as ctest gives it";
     const DrawingRecorder recorder;
     gui.draw();
     ASSERT_NE(form->display_list, 0U);

@@ -165,7 +165,7 @@ TEST_F(BrowserPictures, WholeBrowser) {
     const std::string driver = foreign_driver();
     // The kept picture is llvmpipe's; with another driver (softpipe) the largest difference is 128
     // and the mean 1.9, beside lines on the border of two pixels.
-    if (!driver.empty()) GTEST_SKIP() << "drawn by " << driver;
+    if (!driver.empty()) GTEST_SKIP() << "the kept picture is llvmpipe's, not of " << driver;
     pretend({"../", "Holidays/", "clip.MKV", "[Group] Show 01.mkv", "a film with a long name.mp4",
              "song.mp3", "wide.avi", "upright.mp4", "x.flv", "y.ogg", "z.wmv"},
             3);
