@@ -3,6 +3,7 @@
 
 #include "gpu/gl_texture.h"
 #include "gpu/picture_upload.h"
+#include "platform/heap.h"
 #include "platform/threads.h"
 #include "player/refresh_timer.h"
 #include "player/side_data.h"
@@ -100,6 +101,15 @@ void pack_yuv(const AVFrame& frame, std::uint8_t* destination, int row_bytes) {
     copy_rows(chroma + half, stride, frame.data[2], frame.linesize[2], half, frame.height / 2);
 }
 
+// A loop for vector instructions: the file is compiled with -O3.
+void interleave_row(std::uint8_t* __restrict pairs, const std::uint8_t* u, const std::uint8_t* v,
+                    int count) {
+    for (int x = 0; x < count; ++x, pairs += 2) {
+        pairs[0] = u[x];
+        pairs[1] = v[x];
+    }
+}
+
 void interleave_yuv(const AVFrame& frame, std::uint8_t* destination) {
     const auto stride = static_cast<std::size_t>(frame.width);
     copy_rows(destination, stride, frame.data[0], frame.linesize[0], frame.width, frame.height);
@@ -107,11 +117,7 @@ void interleave_yuv(const AVFrame& frame, std::uint8_t* destination) {
     for (int y = 0; y < frame.height / 2; ++y, row += stride) {
         const std::uint8_t* u = frame.data[1] + static_cast<std::ptrdiff_t>(y) * frame.linesize[1];
         const std::uint8_t* v = frame.data[2] + static_cast<std::ptrdiff_t>(y) * frame.linesize[2];
-        std::uint8_t* pair = row;
-        for (int x = 0; x < frame.width / 2; ++x, pair += 2) {
-            pair[0] = u[x];
-            pair[1] = v[x];
-        }
+        interleave_row(row, u, v, frame.width / 2);
     }
 }
 
@@ -158,6 +164,8 @@ int queue_picture(VideoState* is, FramePtr& frame, double pts, int seeks) {
     slot.pts = pts;
     slot.seeks = seeks;
     slot.number = is->pictures_queued++;
+    // There is time now: what the program and the film needed to start goes back.
+    if (is->pictures_queued == most_queued) trim_heap();
     slot.clear_flags();
     slot.ready = true;
     is->picture_queue_windex = (is->picture_queue_windex + 1) % picture_slots;

@@ -11,6 +11,7 @@
 #include "media/capture_formats.h"
 #include "media/thumbnail_database.h"
 #include "platform/display_loss.h"
+#include "platform/heap.h"
 #include "platform/threads.h"
 #include "platform/window.h"
 #include "player/clocks.h"
@@ -27,7 +28,6 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
-#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -38,11 +38,6 @@ extern "C" {
 int display_refresh_rate = 0;
 
 namespace {
-
-// Blocks from this size on go back to the system when they are freed. Left alone, the C library
-// takes to keeping blocks as large as pictures in a heap per thread, and each film has threads of
-// its own: measured after 160 films, 84 MB instead of 57 MB; pictures of 720p cost 1 % more time.
-constexpr int mapped_block_bytes = 128 * 1024;
 
 constexpr int first_refresh_ms = 40;
 constexpr char banner[] = "VYX Player v1.01\nHigh quality media player";
@@ -248,7 +243,7 @@ void apply_start_values(const PlayVideoArgs& args) {
 }
 
 int play_video(PlayVideoArgs* args) {
-    mallopt(M_MMAP_THRESHOLD, mapped_block_bytes);
+    set_up_heap();
     set_thread_role(ThreadRole::main);
     av_log_set_level(AV_LOG_ERROR);
     if (!init_sdl()) return 1;

@@ -8,6 +8,7 @@
 #include "gpu/texture_cache.h"
 #include "media/capture_formats.h"
 #include "media/subtitles.h"
+#include "platform/heap.h"
 #include "platform/threads.h"
 #include "player/clocks.h"
 #include "player/demux.h"
@@ -181,6 +182,7 @@ void stream_close(VideoState* is) {
     VideoState* current = is;
     global_video_state.compare_exchange_strong(current, nullptr);
     retire(is);
+    trim_heap();
 }
 
 void close_all_streams() {

@@ -93,9 +93,9 @@ class Stress(PlayerTestCase):
                 end = self.measure(player)
         print(f"{opened} films: {warm}, at the end {end}")
         if PATIENCE == 1:  # what sanitizers keep for themselves says nothing
-            # Measured over 450 films: -0.9 MB and +0.2 MB.
+            # Measured over 450 films: at most +0.2 MB, and between 62.1 and 65.6 MB.
             self.assertLess(end["heap"] - warm["heap"], 2048)
-            self.assertLess(end["mapped"] - warm["mapped"], 2048)
+            self.assertLess(end["mapped"] - warm["mapped"], 4096)
         for thing in warm.keys() - {"heap", "mapped"}:
             self.assertEqual(end[thing], warm[thing], thing)
         self.assertEqual(player.quit(), 0)
