@@ -157,7 +157,6 @@ bool handle_event(const SDL_Event& event) {
 }
 
 int run_event_loop() {
-    watch_for_quit();
     set_drawing_watch(quit_came_in);
     SDL_Event event;
     do {

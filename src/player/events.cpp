@@ -43,11 +43,13 @@ WakeUp& wake_up() {
 }
 
 std::atomic<bool> quit_seen{false};
+std::atomic<bool> motion_wanted{true};
 
-int note_quit(const SDL_Event* event) {
+// Returns whether the event goes into the queue.
+int look_at_event(const SDL_Event* event) {
     const bool escape = event->type == SDL_KEYDOWN && event->key.keysym.sym == SDLK_ESCAPE;
     if (event->type == SDL_QUIT || escape) quit_seen = true;
-    return 1;  // the event goes its way all the same
+    return event->type != SDL_MOUSEMOTION || motion_wanted ? 1 : 0;
 }
 
 }  // namespace
@@ -69,7 +71,11 @@ void wait_event(SDL_Event* event) {
 
 void watch_for_quit() {
     quit_seen = false;
-    SDL_SetEventFilter(note_quit);
+    SDL_SetEventFilter(look_at_event);
+}
+
+void queue_mouse_motion(bool wanted) {
+    motion_wanted = wanted;
 }
 
 bool quit_came_in() {

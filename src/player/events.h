@@ -21,8 +21,13 @@ bool push_event(PlayerEvent event, VideoState* state);
 void wait_event(SDL_Event* event);
 
 /// From now on notes the wish to quit, a closed window or Escape, when it comes in: it may have to
-/// wait in SDL's queue, or find that full. [main]
+/// wait in SDL's queue, or find that full. Classic SDL empties its queue here, as it does in
+/// SDL_EventState: call before anything is posted. [main]
 void watch_for_quit();
+
+/// Whether the pointer's moves are queued, from `watch_for_quit` on: yes unless told otherwise.
+/// Any thread.
+void queue_mouse_motion(bool wanted);
 
 /// Looks whether the wish to quit came in since `watch_for_quit`. [main]
 bool quit_came_in();

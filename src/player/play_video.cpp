@@ -17,6 +17,7 @@
 #include "player/clocks.h"
 #include "player/engine_control.h"
 #include "player/event_loop.h"
+#include "player/events.h"
 #include "player/infolabel.h"
 #include "player/input_ahead.h"
 #include "player/refresh_timer.h"
@@ -247,12 +248,13 @@ int play_video(PlayVideoArgs* args) {
     set_thread_role(ThreadRole::main);
     av_log_set_level(AV_LOG_ERROR);
     if (!init_sdl()) return 1;
+    watch_for_quit();
     // Not sooner: SDL starts a program to look for a message bus, and what runs between fork and
     // exec may wait for ever for a lock that another thread held.
     open_input_ahead(args->filename);
     // What comes in before the event loop runs must not fill the queue: the wish to quit has to
     // fit.
-    SDL_EventState(SDL_MOUSEMOTION, SDL_IGNORE);
+    queue_mouse_motion(false);
     if (!open_window(args) || !open_gl() || !open_first_file(*args)) {
         SDL_Quit();  // gives the screen its own mode back
         return give_up();
@@ -268,7 +270,7 @@ int play_video(PlayVideoArgs* args) {
     ThumbnailDatabase::Start();
     make_other_forms(*args);
     if (FormWidget::auto_hide_cursor && get_fullscreen()) SDL_ShowCursor(SDL_DISABLE);
-    SDL_EventState(SDL_MOUSEMOTION, SDL_ENABLE);
+    queue_mouse_motion(true);
     return run_event_loop();
 }
 

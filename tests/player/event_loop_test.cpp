@@ -49,6 +49,17 @@ class EventLoopTest : public PlayerTest {
         return event;
     }
 
+    // Whether an event of that type is in the queue or comes soon.
+    static bool comes(int type) {
+        const Uint32 deadline = SDL_GetTicks() + 300;
+        SDL_Event event;
+        while (SDL_GetTicks() < deadline) {
+            if (SDL_PollEvent(&event) && event.type == type) return true;
+            SDL_Delay(1);
+        }
+        return false;
+    }
+
     // Runs the real loop's events until `done` holds.
     bool run_until(const std::function<bool()>& done, double seconds = 20.0) {
         const Uint32 deadline = SDL_GetTicks() + static_cast<Uint32>(seconds * 1000);
@@ -86,6 +97,27 @@ TEST_F(EventLoopTest, WishToQuitIsNoticedWhenTheQueueIsFull) {
     while (SDL_PollEvent(&event)) {}
     watch_for_quit();
     EXPECT_FALSE(quit_came_in());
+    SDL_SetEventFilter(nullptr);
+}
+
+TEST_F(EventLoopTest, MovesOfThePointerAreQueuedWhenTheyAreWanted) {
+    watch_for_quit();
+    for (const bool wanted : {false, true}) {
+        SDL_Event event;
+        while (SDL_PollEvent(&event)) {}
+        queue_mouse_motion(wanted);
+        SDL_WarpMouse(wanted ? 100 : 200, 100);
+        EXPECT_EQ(comes(SDL_MOUSEMOTION), wanted);
+    }
+    SDL_SetEventFilter(nullptr);
+}
+
+TEST_F(EventLoopTest, WhatThreadsPostedOutlivesTheStart) {
+    watch_for_quit();
+    ASSERT_TRUE(push_event(event_failed, nullptr));
+    queue_mouse_motion(false);
+    queue_mouse_motion(true);
+    EXPECT_TRUE(comes(event_failed));
     SDL_SetEventFilter(nullptr);
 }
 
