@@ -16,6 +16,16 @@ ReshapeHandler reshape_handler = nullptr;
 constexpr Uint16 window_width = 800;
 constexpr Uint16 window_height = 600;
 
+// The full screen that was left last.
+SDL_Rect left_screen{};
+Uint32 left_at = 0;
+constexpr Uint32 late_ms = 1000;
+
+void note_screen_left() {
+    left_screen = {0, 0, static_cast<Uint16>(screen->w), static_cast<Uint16>(screen->h)};
+    left_at = SDL_GetTicks();
+}
+
 SDL_Rect fullscreen_size() {
     SDL_Rect** modes = SDL_ListModes(nullptr, SDL_FULLSCREEN | SDL_HWSURFACE);
     // All ones means that any size will do.
@@ -57,6 +67,7 @@ SDL_Rect largest_mode(SDL_Rect* const* modes) {
 }
 
 bool set_fullscreen(int on) {
+    if (bFullScreen && !on && screen) note_screen_left();
     bFullScreen = on != 0;
     const SDL_Rect size = on ? fullscreen_size() : SDL_Rect{0, 0, window_width, window_height};
     if (!set_video_mode(size.w, size.h, on ? SDL_FULLSCREEN : 0)) {
@@ -65,6 +76,11 @@ bool set_fullscreen(int on) {
     }
     if (reshape_handler) reshape_handler(size.w, size.h);
     return true;
+}
+
+bool is_size_of_left_screen(int width, int height) {
+    return !bFullScreen && width == left_screen.w && height == left_screen.h &&
+           SDL_GetTicks() - left_at < late_ms;
 }
 
 void set_vsync(int interval) {

@@ -22,6 +22,10 @@ bool get_fullscreen();
 /// had before. Returns whether the mode was set; a failure is reported on standard error. [main]
 bool set_fullscreen(int on);
 
+/// Whether a size that the window is said to have is that of the full screen it left within the
+/// last second: classic SDL tells it late, and to set it would enlarge the window again. [main]
+bool is_size_of_left_screen(int width, int height);
+
 /// The largest mode of more than 800 x 600 pixels in a list as `SDL_ListModes` returns it; 800 x
 /// 600 where there is none. Of equal ones the first.
 SDL_Rect largest_mode(SDL_Rect* const* modes);

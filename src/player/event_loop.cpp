@@ -70,6 +70,7 @@ void mouse_up(const SDL_MouseButtonEvent& button) {
 }
 
 void resize(int width, int height) {
+    if (is_size_of_left_screen(width, height)) return;
     if (set_video_mode(width, height, get_fullscreen() ? SDL_FULLSCREEN : 0)) {
         reshape(screen->w, screen->h);
     }

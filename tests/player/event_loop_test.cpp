@@ -147,6 +147,21 @@ TEST_F(EventLoopTest, ResizeLeavesAFullScreenFull) {
     EXPECT_EQ(screen->flags & SDL_FULLSCREEN, 0U);
 }
 
+TEST_F(EventLoopTest, SizeOfTheFullScreenThatComesLateIsNotTaken) {
+    ASSERT_TRUE(set_fullscreen(1));
+    SDL_Event event{};
+    event.type = SDL_VIDEORESIZE;
+    event.resize.w = screen->w;
+    event.resize.h = screen->h;
+    ASSERT_GT(screen->w, 800);
+    set_fullscreen(0);
+    EXPECT_TRUE(handle_event(event));
+    EXPECT_EQ(screen->w, 800);
+    SDL_Delay(1000);
+    EXPECT_TRUE(handle_event(event)) << "the user's wish";
+    EXPECT_EQ(screen->w, event.resize.w);
+}
+
 TEST_F(EventLoopTest, ClickShowsTheCursor) {
     SDL_Event click{};
     click.type = SDL_MOUSEBUTTONDOWN;
