@@ -49,6 +49,14 @@ class EventLoopTest : public PlayerTest {
         return event;
     }
 
+    static SDL_Event resize(int width, int height) {
+        SDL_Event event{};
+        event.type = SDL_VIDEORESIZE;
+        event.resize.w = width;
+        event.resize.h = height;
+        return event;
+    }
+
     // Whether an event of that type is in the queue or comes soon.
     static bool comes(int type) {
         const Uint32 deadline = SDL_GetTicks() + 300;
@@ -113,6 +121,7 @@ TEST_F(EventLoopTest, MovesOfThePointerAreQueuedWhenTheyAreWanted) {
     SDL_SetEventFilter(nullptr);
 }
 
+// Classic SDL would empty its queue if a state of events were set.
 TEST_F(EventLoopTest, WhatThreadsPostedOutlivesTheStart) {
     watch_for_quit();
     ASSERT_TRUE(push_event(event_failed, nullptr));
@@ -123,11 +132,7 @@ TEST_F(EventLoopTest, WhatThreadsPostedOutlivesTheStart) {
 }
 
 TEST_F(EventLoopTest, ResizeFollowsTheWindow) {
-    SDL_Event event{};
-    event.type = SDL_VIDEORESIZE;
-    event.resize.w = 500;
-    event.resize.h = 400;
-    EXPECT_TRUE(handle_event(event));
+    EXPECT_TRUE(handle_event(resize(500, 400)));
     EXPECT_EQ(screen->w, 500);
     EXPECT_EQ(screen->h, 400);
     GLint viewport[4];
@@ -137,11 +142,7 @@ TEST_F(EventLoopTest, ResizeFollowsTheWindow) {
 
 TEST_F(EventLoopTest, ResizeLeavesAFullScreenFull) {
     ASSERT_TRUE(set_fullscreen(1));
-    SDL_Event event{};
-    event.type = SDL_VIDEORESIZE;
-    event.resize.w = screen->w;
-    event.resize.h = screen->h;
-    EXPECT_TRUE(handle_event(event));
+    EXPECT_TRUE(handle_event(resize(screen->w, screen->h)));
     EXPECT_TRUE(get_fullscreen());
     EXPECT_NE(screen->flags & SDL_FULLSCREEN, 0U);
     set_fullscreen(0);
@@ -150,10 +151,7 @@ TEST_F(EventLoopTest, ResizeLeavesAFullScreenFull) {
 
 TEST_F(EventLoopTest, SizeOfTheFullScreenThatComesLateIsNotTaken) {
     ASSERT_TRUE(set_fullscreen(1));
-    SDL_Event event{};
-    event.type = SDL_VIDEORESIZE;
-    event.resize.w = screen->w;
-    event.resize.h = screen->h;
+    const SDL_Event event = resize(screen->w, screen->h);
     ASSERT_GT(screen->w, 800);
     set_fullscreen(0);
     EXPECT_TRUE(handle_event(event));
