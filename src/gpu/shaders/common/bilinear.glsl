@@ -6,8 +6,12 @@ vec4 bilinear(sampler2DRect tex, vec2 st)
 {
     vec2 corner = floor(st - 0.5) + 0.5;
     vec2 f = st - corner;
-    vec4 lower = mix(texture2DRect(tex, corner), texture2DRect(tex, corner + vec2(1.0, 0.0)), f.s);
-    vec4 upper = mix(texture2DRect(tex, corner + vec2(0.0, 1.0)),
-                     texture2DRect(tex, corner + vec2(1.0, 1.0)), f.s);
-    return mix(lower, upper, f.t);
+    vec4 a = texture2DRect(tex, corner);
+    vec4 b = texture2DRect(tex, corner + vec2(1.0, 0.0));
+    vec4 c = texture2DRect(tex, corner + vec2(0.0, 1.0));
+    vec4 d = texture2DRect(tex, corner + vec2(1.0, 1.0));
+    // Not mix(), which some drivers compute as two products.
+    vec4 lower = a + f.s * (b - a);
+    vec4 upper = c + f.s * (d - c);
+    return lower + f.t * (upper - lower);
 }
