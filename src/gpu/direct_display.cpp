@@ -32,6 +32,16 @@ bool pictures_stay_untouched() {
 }
 
 void upload_planes(const VideoPicture& pic, DirectPlanes& planes) {
+    if (pic.buffer_form == BufferForm::halved) {
+        planes.y = nullptr;
+        planes.uv = nullptr;
+        alloc_texture(planes.halved, pic.height / 2, pic.width / 2, GL_RGBA);
+        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, pic.pbo);
+        upload_plane(planes.halved, GL_RGBA, 0);
+        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+        return;
+    }
+    planes.halved = nullptr;
     // Before the buffer is bound: a new texture would be read from it.
     alloc_texture(planes.y, pic.height, pic.width, GL_LUMINANCE);
     alloc_texture(planes.uv, pic.height / 2, pic.width / 2, GL_LUMINANCE_ALPHA);
@@ -47,6 +57,14 @@ void upload_planes(const VideoPicture& pic, DirectPlanes& planes) {
 
 void draw_planes(DirectPlanes& planes, int width, int height) {
     const ColourAdjustment colour = colour_adjustment();
+    if (planes.halved) {
+        Pass(yuv_halved)
+            .input("texYUV", planes.halved, GL_LINEAR)
+            .set("c", colour.c)
+            .set("b", colour.b)
+            .draw(width, height);
+        return;
+    }
     Pass(yuv420p_planes)
         .input("texY", planes.y, GL_LINEAR)
         .input("texUV", planes.uv, GL_LINEAR)

@@ -12,13 +12,21 @@
 /// [main]
 struct DirectPlanes {
     object_ref<gl_texture_resource> y;
-    object_ref<gl_texture_resource> uv;  ///< U as luminance, V as alpha
+    object_ref<gl_texture_resource> uv;      ///< U as luminance, V as alpha
+    object_ref<gl_texture_resource> halved;  ///< instead of both: Y, U, V of half the size
+
+    bool empty() const { return y.IsNull() && halved.IsNull(); }
+    void clear() {
+        y = nullptr;
+        uv = nullptr;
+        halved = nullptr;
+    }
 };
 
 /// Whether the settings leave pictures as they are, so that no pass needs them as a texture.
 bool pictures_stay_untouched();
 
-/// Brings the interleaved YUV in the picture's pixel buffer into `planes`.
+/// Brings the interleaved or halved YUV in the picture's pixel buffer into `planes`.
 void upload_planes(const VideoPicture& pic, DirectPlanes& planes);
 
 /// Draws `planes` as a quad from (0, 0) to (`width`, `height`).

@@ -12,7 +12,8 @@ namespace {
 // What a picture takes in that form; YUV 4:2:0 is half of RGB, and of even sizes.
 GLsizeiptr buffer_bytes(const VideoPicture& pic, BufferForm form) {
     const GLsizeiptr rgb = static_cast<GLsizeiptr>(pic.width) * 3 * pic.height;
-    return form == BufferForm::rgb ? rgb : rgb / 2;
+    if (form == BufferForm::rgb) return rgb;
+    return form == BufferForm::halved ? rgb / 3 : rgb / 2;
 }
 
 // Replaces the texels of `tex` from `data`, an offset when a pixel buffer is bound.

@@ -22,11 +22,27 @@ bool may_go_directly(const DisplayView& view) {
     return !view.hook && !view.rewind && !view.fast_forward && pictures_stay_untouched();
 }
 
+// Where a picture comes to lie.
+SDL_Rect place_of(const DisplayView& view, const VideoPicture& pic,
+                  const EnhancementFactors& factors) {
+    return destination_rectangle(master_settings.spatial_zoom.toInt(), pic.height,
+                                 display_aspect(pic.width, pic.height, pic.sample_aspect),
+                                 factors.spatial, view.screen_width, view.screen_height);
+}
+
+// What the window would skip between two pixels is halved instead while it is copied: less to
+// upload and to draw, and fine patterns stay patterns.
+bool half_is_enough(const DisplayView& view, const VideoPicture& pic) {
+    const SDL_Rect r = place_of(view, pic, enhancement_factors(pic.width, pic.height));
+    return 2 * r.w <= pic.width && 2 * r.h <= pic.height;
+}
+
 BufferForm wanted_form(const DisplayView& view, const VideoPicture& pic) {
     const bool on_gpu = pic.yuv_direct && master_settings.upscaling_algorithm.toInt() == 0 &&
                         master_settings.offload_decoding.toBool();
     if (!on_gpu) return BufferForm::rgb;
-    return may_go_directly(view) ? BufferForm::interleaved : BufferForm::packed;
+    if (!may_go_directly(view)) return BufferForm::packed;
+    return half_is_enough(view, pic) ? BufferForm::halved : BufferForm::interleaved;
 }
 
 // Brings every queued picture into its buffer, in the form that its conversion needs now. Slots
@@ -40,6 +56,23 @@ void fill_pixel_buffers(const DisplayView& view) {
         if (!pic.buffer_filled || pic.buffer_form != form)
             fill_pixel_buffer(pic, view.source, form);
     }
+}
+
+bool is_direct(BufferForm form) {
+    return form == BufferForm::interleaved || form == BufferForm::halved;
+}
+
+// The window has grown since the picture that stays was halved.
+void restore_halved(const DisplayView& view, VideoPicture& pic) {
+    constexpr BufferForm whole = BufferForm::interleaved;
+    if (view.shown || !view.planes.halved || !pic.frame || !pic.pbo ||
+        wanted_form(view, pic) != whole) {
+        return;
+    }
+    // While it is queued it was filled like the others.
+    if (!pic.buffer_filled || pic.buffer_form != whole)
+        fill_pixel_buffer(pic, view.source, whole);
+    upload_planes(pic, view.planes);
 }
 
 bool refreshes(const DisplayView& view) {
@@ -93,7 +126,7 @@ void take_textures(const DisplayView& view, VideoPicture& pic) {
 
 void prepare(const DisplayView& view, VideoPicture& pic, const EnhancementFactors& factors,
              DirectInterpolation* direct) {
-    if (pic.buffer_filled && pic.buffer_form == BufferForm::interleaved) {
+    if (pic.buffer_filled && is_direct(pic.buffer_form)) {
         upload_planes(pic, view.planes);
         view.shown = nullptr;
         if (view.step) view.phase_fraction = 1.0F;
@@ -110,7 +143,7 @@ void prepare(const DisplayView& view, VideoPicture& pic, const EnhancementFactor
 void draw_shown(const DisplayView& view, const VideoPicture& pic, const SDL_Rect& r) {
     gl_texture_resource* tex = view.shown;
     if (!tex) {
-        if (view.planes.y) draw_planes(view.planes, pic.width, pic.height);
+        if (!view.planes.empty()) draw_planes(view.planes, pic.width, pic.height);
         return;
     }
     glEnable(tex->target());
@@ -165,9 +198,7 @@ bool display_picture(const DisplayView& view) {
         return false;
     }
     const EnhancementFactors factors = enhancement_factors(pic->width, pic->height);
-    SDL_Rect r = destination_rectangle(master_settings.spatial_zoom.toInt(), pic->height,
-                                       display_aspect(pic->width, pic->height, pic->sample_aspect),
-                                       factors.spatial, view.screen_width, view.screen_height);
+    SDL_Rect r = place_of(view, *pic, factors);
     video_scaling_animation(r);
     DirectInterpolation between;
     if (view.queued > 0 && pic == &slot(view, view.read_index) && refreshes(view)) {
@@ -177,6 +208,8 @@ bool display_picture(const DisplayView& view) {
         VideoPicture nothing;
         nothing.number = pic->number;
         prepare_picture(view, *pic, nothing, factors);
+    } else {
+        restore_halved(view, *pic);
     }
     clear_window(view.screen_width, view.screen_height);
     begin_picture(*pic, r);

@@ -17,12 +17,13 @@ struct MotionVector {
     std::int32_t y = 0;
 };
 
-/// How a picture of W x H lies in its pixel buffer. The last two need planar YUV 4:2:0 of even
+/// How a picture of W x H lies in its pixel buffer. All but the first need planar YUV 4:2:0 of even
 /// sizes.
 enum class BufferForm {
     rgb,          ///< H rows of W times R, G, B
     packed,       ///< H rows of W times Y; H/2 rows of W/2 times U, then W/2 times V
     interleaved,  ///< H rows of W times Y; H/2 rows of W/2 times U, V
+    halved,       ///< H/2 rows of W/2 times the mean of four Y, U, V, 0
 };
 
 /// A decoded picture as planes. Only the player looks inside.
@@ -87,7 +88,8 @@ struct VideoPicture {
 
     /// Pixel-unpack buffer, 0 for none.
     GLuint pbo = 0;
-    /// Its size: width x 3 x height bytes for RGB, half of that for YUV; 0 until it is filled.
+    /// Its size: width x 3 x height bytes for RGB, half of that for YUV, a third of it halved; 0
+    /// until it is filled.
     GLsizeiptr pbo_bytes = 0;
     /// The picture can be converted on the GPU: planar YUV 4:2:0 of even width and height.
     bool yuv_direct = false;

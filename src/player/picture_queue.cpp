@@ -9,8 +9,12 @@
 #include "player/side_data.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <vector>
 
 namespace {
 
@@ -121,6 +125,40 @@ void interleave_yuv(const AVFrame& frame, std::uint8_t* destination) {
     }
 }
 
+// The means of the squares of four in two rows.
+void average_row(std::uint8_t* __restrict means, const std::uint8_t* upper,
+                 const std::uint8_t* lower, int count) {
+    for (int x = 0; x < count; ++x) {
+        const int sum = upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1];
+        means[x] = static_cast<std::uint8_t>((sum + 2) >> 2);
+    }
+}
+
+// Y, U, V, 0 in the memory's order.
+void join_row(std::uint8_t* texels, const std::uint8_t* y, const std::uint8_t* u,
+              const std::uint8_t* v, int count) {
+    static_assert(std::endian::native == std::endian::little);
+    for (int x = 0; x < count; ++x) {
+        const auto texel = static_cast<std::uint32_t>(y[x]) |
+                           static_cast<std::uint32_t>(u[x]) << 8U |
+                           static_cast<std::uint32_t>(v[x]) << 16U;
+        std::memcpy(texels + static_cast<std::ptrdiff_t>(4) * x, &texel, sizeof(texel));
+    }
+}
+
+void halve_yuv(const AVFrame& frame, std::uint8_t* destination) {
+    const int width = frame.width / 2;
+    std::vector<std::uint8_t> means(static_cast<std::size_t>(width));
+    for (int y = 0; y < frame.height / 2; ++y) {
+        const auto row = [&](int plane, int index) {
+            return frame.data[plane] + static_cast<std::ptrdiff_t>(index) * frame.linesize[plane];
+        };
+        average_row(means.data(), row(0, 2 * y), row(0, 2 * y + 1), width);
+        join_row(destination + static_cast<std::ptrdiff_t>(y) * width * 4, means.data(), row(1, y),
+                 row(2, y), width);
+    }
+}
+
 }  // namespace
 
 bool can_be_shown(int width, int height) {
@@ -207,6 +245,8 @@ void fill_picture(VideoState* is, const VideoPicture& pic, std::uint8_t* destina
     const AVFrame& frame = *static_cast<const LibraryFrame&>(*pic.frame).frame;
     if (form == BufferForm::interleaved) {
         interleave_yuv(frame, destination);
+    } else if (form == BufferForm::halved) {
+        halve_yuv(frame, destination);
     } else {
         fill_picture(is, frame, destination, pic.width * 3, form == BufferForm::packed);
     }

@@ -26,6 +26,6 @@ void fill_picture(VideoState* is, const AVFrame& frame, std::uint8_t* destinatio
                   bool yuv);
 
 /// Writes the picture of a slot into its buffer: width x 3 x height bytes of RGB, half of that of
-/// YUV. Any thread that owns the slot.
+/// YUV, a third of it halved. Any thread that owns the slot.
 void fill_picture(VideoState* is, const VideoPicture& pic, std::uint8_t* destination,
                   BufferForm form);

@@ -92,8 +92,7 @@ void free_pictures(VideoState* is) {
     is->staging_texture = nullptr;
     is->output_texture = nullptr;
     is->shown_texture = nullptr;
-    is->direct_planes.y = nullptr;
-    is->direct_planes.uv = nullptr;
+    is->direct_planes.clear();
     clear_texture_cache();
 }
 

@@ -270,4 +270,39 @@ TEST_F(DisplayEffects, PlanesGoStraightToTheWindow) {
     }
 }
 
+TEST_F(DisplayEffects, HalvedPicturesGoStraightToTheWindow) {
+    for (const Size& size : {Size{2, 2}, {16, 8}, {64, 48}}) {
+        adjust(0.25F, -0.125F);
+        const int w = size.width / 2;
+        const int h = size.height / 2;
+        const std::vector<std::uint8_t> texels = packed_noise(size.width, size.height, 5);
+        VideoPicture pic;
+        pic.width = size.width;
+        pic.height = size.height;
+        pic.buffer_form = BufferForm::halved;
+        make_pixel_buffer(pic);
+        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, pic.pbo);
+        glBufferData(GL_PIXEL_UNPACK_BUFFER, static_cast<GLsizeiptr>(w) * h * 4, texels.data(),
+                     GL_STREAM_DRAW);
+        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+        DirectPlanes planes;
+        upload_planes(pic, planes);
+        bind_window(window_width, window_height);
+        draw_planes(planes, w, h);
+        const Image shown = window();
+        delete_pixel_buffer(pic);
+        const float c = std::exp2(master_settings.contrast.getValue());
+        const float b = master_settings.brightness.getValue();
+        const Image expected = make_image(w, h, [&](int x, int y) {
+            const std::uint8_t* texel = &texels[static_cast<std::size_t>(4 * (y * w + x))];
+            return yuv_to_rgb(static_cast<float>(texel[0]) / 255.0F,
+                              static_cast<float>(texel[1]) / 255.0F,
+                              static_cast<float>(texel[2]) / 255.0F, c, b);
+        });
+        const Image part = make_image(w, h, [&](int x, int y) { return shown.at(x, y); });
+        EXPECT_LE(largest_difference(part, as_8_bits(expected), 3), 1.01F * step8)
+            << size.width << " x " << size.height;
+    }
+}
+
 }  // namespace

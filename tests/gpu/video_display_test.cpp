@@ -3,6 +3,8 @@
 
 #include "support/display_fixture.h"
 
+#include <memory>
+
 namespace {
 
 TEST_F(VideoDisplayTest, NothingThereClearsTheWindow) {
@@ -100,6 +102,67 @@ TEST_F(VideoDisplayTest, EveryPictureIsFilledOnceAndOnlyWhileQueued) {
     display(1, 3);
     EXPECT_EQ(source_.fills.size(), 4U);
 }
+
+// Of a film in 4K on a smaller screen, and of most films in a window.
+TEST_F(VideoDisplayTest, PicturesOfTwiceTheirPlaceAreHalved) {
+    const auto resize = [this](int slot, int w, int h) {
+        VideoPicture& pic = slots_[static_cast<std::size_t>(slot)];
+        make_pixel_buffer(pic);
+        pic.width = w;
+        pic.height = h;
+        pic.frame = std::make_unique<DecodedFrame>();
+    };
+    resize(0, 2 * window_width, 2 * window_height);
+    queue(0, 100);
+    display(0, 1);
+    ASSERT_EQ(source_.fills.size(), 1U);
+    EXPECT_EQ(source_.fills[0].form, BufferForm::halved);
+    EXPECT_FALSE(planes_.halved.IsNull());
+    EXPECT_TRUE(planes_.y.IsNull());
+    EXPECT_NEAR(middle(), converted(100), 2);
+    // The next one is a little smaller than that.
+    resize(1, 2 * window_width - 2, 2 * window_height - 2);
+    queue(1, 140);
+    display(1, 1);
+    EXPECT_EQ(source_.fills.back().form, BufferForm::interleaved);
+    EXPECT_TRUE(planes_.halved.IsNull());
+    EXPECT_NEAR(middle(), converted(140), 2);
+    // Passes want all of it.
+    master_settings.temporal_upscaling_factor.setValue(1);
+    resize(2, 2 * window_width, 2 * window_height);
+    queue(2, 180);
+    display(2, 1);
+    EXPECT_EQ(source_.fills.back().form, BufferForm::packed);
+    EXPECT_NEAR(middle(), converted(180), 2);
+}
+
+// With the number of pictures that are queued still: the one that stays may be among them.
+class HalvedPicture : public VideoDisplayTest, public testing::WithParamInterface<int> {};
+
+TEST_P(HalvedPicture, ThatStaysIsRestoredWhenItsPlaceGrows) {
+    const int queued = GetParam();
+    VideoPicture& pic = slots_[0];
+    pic.width = 2 * window_width;
+    pic.height = 2 * window_height;
+    make_pixel_buffer(pic);
+    pic.frame = std::make_unique<DecodedFrame>();
+    queue(0, 100);
+    display(0, 1);
+    EXPECT_FALSE(planes_.halved.IsNull());
+    paused_ = true;
+    display(0, 1);
+    EXPECT_EQ(source_.fills.size(), 1U) << "its place is the same";
+    master_settings.spatial_zoom.setValue(2);  // pixel by pixel: twice as large
+    display(0, queued);
+    ASSERT_EQ(source_.fills.size(), 2U);
+    EXPECT_EQ(source_.fills[1].form, BufferForm::interleaved);
+    EXPECT_TRUE(planes_.halved.IsNull());
+    EXPECT_NEAR(middle(), converted(100), 2);
+    display(0, queued);
+    EXPECT_EQ(source_.fills.size(), 2U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Queued, HalvedPicture, testing::Values(0, 1));
 
 // RGB takes twice the memory of YUV 4:2:0, and four slots of large pictures many megabytes.
 TEST_F(VideoDisplayTest, BuffersAreAsLargeAsWhatTheyHold) {

@@ -5,6 +5,8 @@
 #include "player/video_refresh.h"
 #include "support/player_fixture.h"
 
+#include <cmath>
+#include <random>
 #include <vector>
 
 namespace {
@@ -69,6 +71,47 @@ TEST(FillPicture, InterleavesChroma) {
     fill_picture(&state, slot, bytes, BufferForm::interleaved);
     const std::uint8_t expected[] = {0, 1, 2, 3, 10, 11, 12, 13, 100, 200, 101, 201, 0xEE};
     EXPECT_TRUE(std::equal(std::begin(bytes), std::end(bytes), std::begin(expected)));
+}
+
+// Rows longer than vector instructions take at once, against the plain sum.
+TEST(FillPicture, HalvesWithMeansOfFour) {
+    constexpr int width = 2 * 133;
+    constexpr int height = 6;
+    VideoState state;
+    VideoPicture slot;
+    auto kept = std::make_unique<LibraryFrame>();
+    kept->frame = make_frame(width, height, AV_PIX_FMT_YUV420P);
+    const AVFrame& frame = *kept->frame;
+    std::mt19937 generator(3);
+    for (int plane = 0; plane < 3; ++plane) {
+        for (int i = 0; i < frame.linesize[plane] * (plane ? height / 2 : height); ++i)
+            frame.data[plane][i] = static_cast<std::uint8_t>(generator() >> 24);
+    }
+    // The brightest four stay that.
+    for (const int i : {0, 1, frame.linesize[0], frame.linesize[0] + 1})
+        frame.data[0][i] = 255;
+    const auto at = [&](int plane, int x, int y) {
+        return frame.data[plane][y * frame.linesize[plane] + x];
+    };
+    slot.width = width;
+    slot.height = height;
+    std::vector<std::uint8_t> texels(width * height + 1, 0xEE);
+    std::vector<std::uint8_t> expected;
+    for (int y = 0; y < height / 2; ++y) {
+        for (int x = 0; x < width / 2; ++x) {
+            const double sum = at(0, 2 * x, 2 * y) + at(0, 2 * x + 1, 2 * y) +
+                               at(0, 2 * x, 2 * y + 1) + at(0, 2 * x + 1, 2 * y + 1);
+            expected.push_back(static_cast<std::uint8_t>(std::floor(sum / 4 + 0.5)));
+            expected.push_back(at(1, x, y));
+            expected.push_back(at(2, x, y));
+            expected.push_back(0);
+        }
+    }
+    expected.push_back(0xEE);
+    slot.frame = std::move(kept);
+    fill_picture(&state, slot, texels.data(), BufferForm::halved);
+    EXPECT_EQ(texels, expected);
+    EXPECT_EQ(texels[0], 255);
 }
 
 TEST(FillPicture, ConvertsToRgbRows) {

@@ -19,7 +19,13 @@ class MadeUpPictures : public PictureSource {
                       BufferForm form) override {
         fills.push_back({pic.pts, form});
         const auto grey = static_cast<std::uint8_t>(pic.pts);
-        if (form != BufferForm::rgb) {
+        if (form == BufferForm::halved) {
+            for (int i = 0; i < pic.width / 2 * (pic.height / 2); ++i, destination += 4) {
+                destination[0] = grey;
+                destination[1] = destination[2] = 128;
+                destination[3] = 0;
+            }
+        } else if (form != BufferForm::rgb) {
             const auto luma =
                 static_cast<std::size_t>(pic.width) * static_cast<std::size_t>(pic.height);
             std::fill_n(destination, luma, grey);
