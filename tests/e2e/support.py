@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Runs the real player on a display of its own, presses its keys, and looks at its window."""
 
+import fcntl
 import os
 import re
 import signal
@@ -22,6 +23,16 @@ CAMERA = SAMPLES + "/movie1/VID_20191220_170832.mp4"
 SCREEN_WIDTH, SCREEN_HEIGHT = 1280, 1024
 BITS = 8
 
+
+def has_classic_sdl():
+    """Whether the player runs with SDL 1.2 itself, not with sdl12-compat, which loads SDL 2."""
+    linked = subprocess.run(["ldd", VYX], check=True, stdout=subprocess.PIPE, text=True).stdout
+    path = re.search(r"libSDL-1\.2\S* => (\S+)", linked).group(1)
+    with open(path, "rb") as library:
+        return b"libSDL2-2.0" not in library.read()
+
+
+CLASSIC_SDL = has_classic_sdl()
 
 
 def version():
@@ -115,6 +126,8 @@ class Player:
 
     def __init__(self, display, *arguments, env=None, user=None, cwd=None):
         environment = dict(os.environ, DISPLAY=display.name, SDL_AUDIODRIVER="dummy")
+        if CLASSIC_SDL:
+            environment["SDL_DISKAUDIODELAY"] = "21"  # ms for a buffer; SDL 2 takes its length by itself
         environment.update(env or {})
         environment.pop("WAYLAND_DISPLAY", None)
         self.watch = Watch()
@@ -122,6 +135,9 @@ class Player:
         self.gl_fails = False  # a test makes OpenGL fail
         self.display = display
         self.log = tempfile.TemporaryFile(mode="w+")
+        # The player shares the place in the file: reading from the start must not have it write there.
+        flags = fcntl.fcntl(self.log, fcntl.F_GETFL)
+        fcntl.fcntl(self.log, fcntl.F_SETFL, flags | os.O_APPEND)
         self.process = subprocess.Popen([VYX, *arguments], env=environment, stdout=self.log,
                                         stderr=subprocess.STDOUT, user=user, cwd=cwd)
 

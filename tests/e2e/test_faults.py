@@ -7,12 +7,14 @@ import tempfile
 import time
 import unittest
 
-from support import PATIENCE, PlayerTestCase, clip, preloaded, wait_for
+from support import CLASSIC_SDL, PATIENCE, PlayerTestCase, clip, preloaded, wait_for
 
 FAULTS = os.environ["FAULTS"]
 SANITIZED = PATIENCE > 1  # sanitizers keep their own allocator: of memory, only what C++ asks for fails
 CANNOT_DISPLAY = "\nThe file format is either not supported or\nthe content can not be read.\n"
-SDL2, FFMPEG_FILES, FFMPEG_MEMORY = "libSDL2-2.0", "libavformat", "libavutil"
+# Who starts threads for SDL.
+SDL = "libSDL-1.2" if CLASSIC_SDL else "libSDL2-2.0"
+FFMPEG_FILES, FFMPEG_MEMORY = "libavformat", "libavutil"
 
 
 def grey(picture):
@@ -61,7 +63,7 @@ class StartUp(FaultsTestCase):
         self.cannot_start("SDL_Init:1", "Could not initialize SDL - made-up fault\n")
 
     def test_the_timers_thread(self):
-        self.cannot_start(f"pthread_create@{SDL2}:1", "Could not initialize SDL - ")
+        self.cannot_start(f"pthread_create@{SDL}:1", "Could not initialize SDL - ")
 
     def test_the_window(self):
         self.cannot_start("SDL_VideoMode:1", "SDL: could not set video mode - exiting\n")
@@ -78,7 +80,7 @@ class StartUp(FaultsTestCase):
 
 class Threads(FaultsTestCase):
     def test_no_thread_for_the_file(self):
-        player = self.film(f"pthread_create@{SDL2}:2+1")
+        player = self.film(f"pthread_create@{SDL}:2+1")
         self.failed(player, "pthread_create")
         # The animation without a film.
         player.look_until(lambda picture: not grey(picture), "the animation")
@@ -88,7 +90,7 @@ class Threads(FaultsTestCase):
         """Of pictures, of sound and of thumbnails, in the order in which they happen to start."""
         for nth in (3, 4, 5):
             with self.subTest(nth=nth):
-                player = self.film(f"pthread_create@{SDL2}:{nth}+1")
+                player = self.film(f"pthread_create@{SDL}:{nth}+1")
                 self.failed(player, "pthread_create")
                 player.look_until(lambda picture: not grey(picture), "a film or its sound")
                 self.ends(player)
@@ -100,7 +102,7 @@ class Threads(FaultsTestCase):
         self.ends(player)
 
     def test_no_thread_at_all_for_pictures_and_sound(self):
-        player = self.film(f"pthread_create@{SDL2}:3")
+        player = self.film(f"pthread_create@{SDL}:3")
         self.says(player, "SDL_OpenAudio: ")
         self.says(player, ": could not open codecs\n")
         self.says(player, CANNOT_DISPLAY)

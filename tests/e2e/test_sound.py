@@ -3,13 +3,12 @@
 
 import array
 import os
-import re
 import statistics
 import subprocess
 import tempfile
 import unittest
 
-from support import PlayerTestCase, clip, wait_for
+from support import CLASSIC_SDL, PlayerTestCase, clip, wait_for
 
 WINDOW = 512  # samples that have to agree for two places to be the same
 
@@ -200,11 +199,12 @@ class Sound(PlayerTestCase):
         film = self.start(clip("h264.mp4"), env={"SDL_AUDIODRIVER": "nothing"})
         first = self.number(film)
         self.await_number(film, lambda number: number != first, 10, "another picture")
-        self.assertRegex(film.output(), "SDL_OpenAudio: .+\n")
+        complaint = "SDL_OpenAudio: .*\n" if CLASSIC_SDL else "SDL_OpenAudio: .+\n"  # that gives no reason
+        self.assertRegex(film.output(), complaint)
         self.assertEqual(film.quit(), 0)
         sound = self.start(clip("tone.wav"), env={"SDL_AUDIODRIVER": "nothing"})
         wait_for(lambda: "Cannot display file" in sound.output(), 20, "the failure message")
-        self.assertTrue(re.search("SDL_OpenAudio: .+\n", sound.output()))
+        self.assertRegex(sound.output(), complaint)
         self.assertEqual(sound.quit(), 0)
 
 
