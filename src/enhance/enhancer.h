@@ -12,8 +12,8 @@
 #include <array>
 #include <functional>
 
-/// Runs pictures through the player's passes. Needs a current `HeadlessContext`, and the settings
-/// for itself.
+/// Runs pictures through the player's passes. Needs the context of
+/// `make_headless_context`, and the settings for itself.
 class Enhancer {
   public:
     /// Takes a picture of the result and when it is shown, in seconds.

@@ -4,6 +4,7 @@
 #include "enhance/enhance_error.h"
 #include "media/error_text.h"
 #include "player/side_data.h"
+#include "videoio/film_description.h"
 
 FilmReader::FilmReader(const std::string& path) : path_(path), packet_(av_packet_alloc()) {
     AVFormatContext* opened = nullptr;
@@ -18,7 +19,7 @@ void FilmReader::open_stream() {
     if (avformat_find_stream_info(container_.get(), nullptr) < 0) {
         throw EnhanceError("cannot find out what '" + path_ + "' holds");
     }
-    const int index = av_find_best_stream(container_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+    const int index = find_film(*container_);
     if (index < 0) throw EnhanceError("'" + path_ + "' has no video");
     stream_ = container_->streams[index];
     const AVRational rate = av_guess_frame_rate(container_.get(), stream_, nullptr);

@@ -12,7 +12,7 @@ class PictureSink {
   public:
     virtual ~PictureSink() = default;
 
-    /// Takes the next picture, shown from `seconds` on. All have one size; times grow.
+    /// Takes the next picture, shown from `seconds` on. Times grow. A film takes one size only.
     virtual void write(const RgbPicture& picture, double seconds) = 0;
 
     /// Completes the result. Without it, no film comes to be.
