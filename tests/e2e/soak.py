@@ -96,8 +96,8 @@ class Soak:
         if len(self.readings) < IN_A_ROW:
             return [f"{name}: the status line cannot be read"]
         wrong = []
-        fifth = max(1, len(weights) // 6)
-        parts = weights[fifth : 2 * fifth], weights[-fifth:]
+        sixth = max(1, len(weights) // 6)
+        parts = weights[sixth : 2 * sixth], weights[-sixth:]
         growth = {kind: statistics.mean(w[kind] for w in parts[1]) - statistics.mean(w[kind] for w in parts[0])
                   for kind in ("heap", "mapped")}
         single = sorted(map(abs, self.readings))

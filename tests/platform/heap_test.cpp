@@ -49,8 +49,11 @@ long resident_kilobytes() {
 TEST(Heap, KeepsBlocksOfTheVectorsOfAPicture) {
     set_up_heap();
     const std::size_t before = mapped_blocks();
-    const Block vectors = block(megabyte * 5 / 2);
+    Block vectors = block(megabyte * 5 / 2);
     EXPECT_EQ(mapped_blocks(), before);
+    const long full = resident_kilobytes();
+    vectors.reset();
+    EXPECT_GT(resident_kilobytes(), full - 1024) << "it stays for those of the next picture";
 }
 
 TEST(Heap, GivesLargerBlocksBack) {
