@@ -51,7 +51,7 @@ def vyx(film, seconds, *options):
 
 
 def mpv(film, seconds, *options):
-    """Also `flips`, the buffer swaps, and `dropped` and `late`, pictures by its own count."""
+    """Also `flips`, the buffer swaps, and `dropped`, pictures by its own count."""
     with tempfile.NamedTemporaryFile(mode="r") as stats:
         run = Run([*MPV, f"--length={seconds}", f"--dump-stats={stats.name}", *options, film])
         text = stats.read()

@@ -217,7 +217,7 @@ void audio_callback(void* userdata, Uint8* stream, int len) {
     AudioOutput& out = *is->audio;
     const double duration = static_cast<double>(len) / out.bytes_per_second();
     out.wait_until = SDL_GetTicks() + static_cast<Uint32>(duration * 500.0);
-    // Before a packet leaves the queue: [demux] must not find neither it nor its sound.
+    // Before a packet leaves the queue: [demux] always finds it or its sound.
     if (!is->paused && is->audio_queue.byte_size > 0) is->sound_over = false;
     note_audio_clock(is);
     audio_follow_seek(is);

@@ -15,7 +15,7 @@ uniform float alpha;        // phase, 0 to 1
 uniform float constU;       // size of the pictures over that of the source, 1 to 4
 uniform vec2 mb_size;       // block, in source texels, up to 16
 uniform vec2 mb_half_size;  // half of it
-uniform vec3 window_h[16];  // weights along a row: own, left, right
+uniform vec3 window_h[16];  // weights along a row: own, of which the others follow
 uniform vec3 window_v[16];  // the same along a column
 
 #include "filtered.glsl"

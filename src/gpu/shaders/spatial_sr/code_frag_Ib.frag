@@ -24,6 +24,7 @@ void main()
 {
     vec2 st = gl_TexCoord[0].st;
     vec2 source = st / constU;
+    // Deliberately half a block on: from the middle of a block the vector is that of the next one.
     vec2 block = floor(vec2(0.5) + source / mb_size);
     vec2 mv = texture2DRect(motionVect, block + 0.5).st;
     vec4 mc = texture2DRect(texLP, st + constU * mv);
