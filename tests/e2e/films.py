@@ -37,6 +37,10 @@ FILMS = {
                   "-preset", "veryfast", "-g", "1", "-qp", "42"],
     "tones.avi": SMALL_CLOCK + SOUND + MPEG4 + ["-g", str(RATE), "-c:a", "pcm_s16le"],
     "rising.avi": SMALL_CLOCK + RISING + MPEG4 + ["-g", str(RATE), "-ac", "2", "-c:a", "pcm_s16le"],
+    # Every second column is white.
+    "stripes_1080p.mp4": ["-f", "lavfi", "-i", r"color=black:s=1920x1080:r=1:d=1,format=gray,geq=lum=235*mod(X\,2)",
+                          "-vf", "loop=loop=300:size=1,setpts=N/5/TB", "-r", "5", "-pix_fmt", "yuv420p",
+                          "-c:v", "libx264", "-preset", "veryfast", "-qp", "4"],
 }  # fmt: skip
 
 

@@ -185,6 +185,25 @@ class Controls(PlayerTestCase):
 
     # Between pictures
 
+    def test_a_large_picture_in_a_small_window_is_whole_again_in_full_screen(self):
+        player, hand = self.open_form("stripes_1080p.mp4", VIDEO, "F2")
+        hand.choose(VIDEO, "Temporal upscaling", 0)
+        player.key("F2")
+
+        def stripes(picture):
+            """The range of brightness in the middle row."""
+            row = [picture.brightness(x, picture.height // 2) for x in range(40, picture.width - 40)]
+            return max(row) - min(row)
+
+        # 800 x 450 have no room for stripes; what single pixels would catch of them is no pattern of the film.
+        player.look_until(lambda shot: not VIDEO.shown(shot) and stripes(shot) < 0.05, "even grey")
+        player.key("space")
+        time.sleep(0.5)
+        player.key("F12")
+        # 1280 x 720 show some of them, although the film stands still.
+        wait_for(lambda: stripes(player.look_at_screen()) > 0.3, 10, "stripes")
+        self.assertEqual(player.quit(), 0)
+
     def test_interpolation(self):
         player, hand = self.open_form("clock.avi", ADVANCED, "F4")
         # What the methods do between two pictures is a matter for tests that choose the moment: the window shows
