@@ -2,8 +2,10 @@
 """Runs the real player on a display of its own, presses its keys, and looks at its window."""
 
 import fcntl
+import functools
 import os
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -24,15 +26,16 @@ SCREEN_WIDTH, SCREEN_HEIGHT = 1280, 1024
 BITS = 8
 
 
+@functools.cache
 def has_classic_sdl():
     """Whether the player runs with SDL 1.2 itself, not with sdl12-compat, which loads SDL 2."""
-    linked = subprocess.run(["ldd", VYX], check=True, stdout=subprocess.PIPE, text=True).stdout
+    program = shutil.which(VYX)
+    if not program:
+        return False  # it lies on a bare system, which has sdl12-compat
+    linked = subprocess.run(["ldd", program], check=True, stdout=subprocess.PIPE, text=True).stdout
     path = re.search(r"libSDL-1\.2\S* => (\S+)", linked).group(1)
     with open(path, "rb") as library:
         return b"libSDL2-2.0" not in library.read()
-
-
-CLASSIC_SDL = has_classic_sdl()
 
 
 def version():
@@ -126,7 +129,7 @@ class Player:
 
     def __init__(self, display, *arguments, env=None, user=None, cwd=None):
         environment = dict(os.environ, DISPLAY=display.name, SDL_AUDIODRIVER="dummy")
-        if CLASSIC_SDL:
+        if has_classic_sdl():
             environment["SDL_DISKAUDIODELAY"] = "21"  # ms for a buffer; SDL 2 takes its length by itself
         environment.update(env or {})
         environment.pop("WAYLAND_DISPLAY", None)

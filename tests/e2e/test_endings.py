@@ -6,7 +6,7 @@ import time
 import unittest
 
 from hand import ADVANCED, BUTTONS, POSITION, VIDEO, Hand
-from support import CAMERA, CLASSIC_SDL, PATIENCE, PlayerTestCase, clip
+from support import CAMERA, PATIENCE, PlayerTestCase, clip, has_classic_sdl
 
 # Measured: 0.9 s at most, in release, on two cores with a load of 20; mostly 0.2 s.
 LONGEST = 1.0
@@ -94,7 +94,7 @@ class Endings(PlayerTestCase):
 
     def test_in_full_screen(self):
         # Classic SDL takes the keyboard from the window manager there.
-        ways = (terminate,) if CLASSIC_SDL else (terminate, close_window)
+        ways = (terminate,) if has_classic_sdl() else (terminate, close_window)
         self.each_way(clip("h264.mp4"), lambda player, hand: (
             player.key("F4"), player.look_until(ADVANCED.shown, ADVANCED.title, 20), player.key("F12"),
             time.sleep(0.3)), ways)  # fmt: skip

@@ -7,13 +7,13 @@ import tempfile
 import time
 import unittest
 
-from support import CLASSIC_SDL, PATIENCE, PlayerTestCase, clip, preloaded, wait_for
+from support import PATIENCE, PlayerTestCase, clip, has_classic_sdl, preloaded, wait_for
 
 FAULTS = os.environ["FAULTS"]
 SANITIZED = PATIENCE > 1  # sanitizers keep their own allocator: of memory, only what C++ asks for fails
 CANNOT_DISPLAY = "\nThe file format is either not supported or\nthe content can not be read.\n"
 # Who starts threads for SDL.
-SDL = "libSDL-1.2" if CLASSIC_SDL else "libSDL2-2.0"
+SDL = "libSDL-1.2" if has_classic_sdl() else "libSDL2-2.0"
 FFMPEG_FILES, FFMPEG_MEMORY = "libavformat", "libavutil"
 
 
