@@ -65,13 +65,10 @@ bool is_direct(BufferForm form) {
 // The window has grown since the picture that stays was halved.
 void restore_halved(const DisplayView& view, VideoPicture& pic) {
     constexpr BufferForm whole = BufferForm::interleaved;
-    if (view.shown || !view.planes.halved || !pic.frame || !pic.pbo ||
-        wanted_form(view, pic) != whole) {
-        return;
-    }
+    const bool shown_halved = !view.shown && view.planes.halved;
+    if (!shown_halved || half_is_enough(view, pic) || !pic.frame || !pic.pbo) return;
     // While it is queued it was filled like the others.
-    if (!pic.buffer_filled || pic.buffer_form != whole)
-        fill_pixel_buffer(pic, view.source, whole);
+    if (!pic.buffer_filled || pic.buffer_form != whole) fill_pixel_buffer(pic, view.source, whole);
     upload_planes(pic, view.planes);
 }
 

@@ -137,19 +137,24 @@ TEST_F(VideoDisplayTest, PicturesOfTwiceTheirPlaceAreHalved) {
 }
 
 // With the number of pictures that are queued still: the one that stays may be among them.
-class HalvedPicture : public VideoDisplayTest, public testing::WithParamInterface<int> {};
+class HalvedPicture : public VideoDisplayTest, public testing::WithParamInterface<int> {
+  protected:
+    void SetUp() override {
+        VideoDisplayTest::SetUp();
+        VideoPicture& pic = slots_[0];
+        pic.width = 2 * window_width;
+        pic.height = 2 * window_height;
+        make_pixel_buffer(pic);
+        pic.frame = std::make_unique<DecodedFrame>();
+        queue(0, 100);
+        display(0, 1);
+        paused_ = true;
+    }
+};
 
 TEST_P(HalvedPicture, ThatStaysIsRestoredWhenItsPlaceGrows) {
     const int queued = GetParam();
-    VideoPicture& pic = slots_[0];
-    pic.width = 2 * window_width;
-    pic.height = 2 * window_height;
-    make_pixel_buffer(pic);
-    pic.frame = std::make_unique<DecodedFrame>();
-    queue(0, 100);
-    display(0, 1);
     EXPECT_FALSE(planes_.halved.IsNull());
-    paused_ = true;
     display(0, 1);
     EXPECT_EQ(source_.fills.size(), 1U) << "its place is the same";
     master_settings.spatial_zoom.setValue(2);  // pixel by pixel: twice as large
@@ -160,6 +165,25 @@ TEST_P(HalvedPicture, ThatStaysIsRestoredWhenItsPlaceGrows) {
     EXPECT_NEAR(middle(), converted(100), 2);
     display(0, queued);
     EXPECT_EQ(source_.fills.size(), 2U);
+}
+
+// A change of settings is for the next picture; this one is not left coarse for it.
+TEST_P(HalvedPicture, IsRestoredWhateverTheNextOneNeeds) {
+    const int queued = GetParam();
+    master_settings.temporal_upscaling_factor.setValue(1);
+    display(0, queued);
+    EXPECT_FALSE(planes_.halved.IsNull());
+    master_settings.spatial_zoom.setValue(2);
+    display(0, queued);
+    EXPECT_TRUE(planes_.halved.IsNull());
+    EXPECT_FALSE(planes_.y.IsNull());
+    EXPECT_NEAR(middle(), converted(100), 2);
+    const std::size_t fills = source_.fills.size();
+    display(0, queued);
+    display(0, queued);
+    EXPECT_LE(source_.fills.size(), fills + 1)
+        << "once more for the next refresh, not with every redraw";
+    EXPECT_NEAR(middle(), converted(100), 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(Queued, HalvedPicture, testing::Values(0, 1));
