@@ -127,8 +127,8 @@ void interleave_yuv(const AVFrame& frame, std::uint8_t* destination) {
 
 // The means of the squares of four in two rows.
 void average_row(std::uint8_t* __restrict means, const std::uint8_t* upper,
-                 const std::uint8_t* lower, int count) {
-    for (int x = 0; x < count; ++x) {
+                 const std::uint8_t* lower, std::ptrdiff_t count) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
         const int sum = upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1];
         means[x] = static_cast<std::uint8_t>((sum + 2) >> 2);
     }

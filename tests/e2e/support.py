@@ -5,7 +5,6 @@ import fcntl
 import functools
 import os
 import re
-import shutil
 import signal
 import subprocess
 import sys
@@ -29,12 +28,11 @@ BITS = 8
 @functools.cache
 def has_classic_sdl():
     """Whether the player runs with SDL 1.2 itself, not with sdl12-compat, which loads SDL 2."""
-    program = shutil.which(VYX)
-    if not program:
-        return False  # it lies on a bare system, which has sdl12-compat
-    linked = subprocess.run(["ldd", program], check=True, stdout=subprocess.PIPE, text=True).stdout
-    path = re.search(r"libSDL-1\.2\S* => (\S+)", linked).group(1)
-    with open(path, "rb") as library:
+    linked = subprocess.run(["ldd", VYX], check=False, stdout=subprocess.PIPE, text=True).stdout
+    found = re.search(r"libSDL-1\.2\S* => (\S+)", linked)
+    if not found:
+        return False  # a script, which starts a player on a bare system
+    with open(found.group(1), "rb") as library:
         return b"libSDL2-2.0" not in library.read()
 
 
